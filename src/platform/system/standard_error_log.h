@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/log.h"
+
+namespace corvane {
+
+/// Writes each line to standard error in one piece, with the local time and the process id in front.
+class StandardErrorLog final : public Log {
+  public:
+    void log(std::string_view text) override;
+};
+
+}  // namespace corvane
