@@ -1,0 +1,62 @@
+#include "engine/report_storage.h"
+
+#include <utf8/checked.h>
+
+#include <utility>
+
+#include "core/gzip_codec.h"
+#include "platform/fatal_error.h"
+#include "platform/text_format.h"
+
+namespace corvane {
+
+namespace {
+
+std::filesystem::path reportFolder(FileManager& fileManager) {
+    const auto container = fileManager.containerForApplicationGroup(applicationGroupIdentifier);
+    if (!container)
+        fatalError("the shared folder of the application group is missing");
+    return *container / "ToImport";
+}
+
+std::string storedName(std::string_view filename) {
+    const std::size_t slash = filename.rfind('/');
+    const std::string_view lastPart = slash == std::string_view::npos ? filename : filename.substr(slash + 1);
+    return std::string(lastPart.substr(0, lastPart.find('.'))) + ".txt";
+}
+
+}  // namespace
+
+ReportStorage::ReportStorage(FileManager& fileManager, Log& log)
+    : fileManager_(fileManager), log_(log), reportPath_(reportFolder(fileManager)) {}
+
+std::filesystem::path ReportStorage::filePathForFilename(std::string_view filename) const {
+    return reportPath_ / filename;
+}
+
+std::optional<std::string> ReportStorage::createTempFile(const std::string& filename, Bytes data) {
+    log_.log(formatText("result:%@", {filename}));
+    const std::optional<Bytes> text = gunzippedData(std::move(data));
+    if (!text || !utf8::is_valid(text->begin(), text->end()))
+        return std::nullopt;
+
+    const std::filesystem::path path = filePathForFilename(storedName(filename));
+    log_.log(formatText("save to:%@", {path.native()}));
+    const std::filesystem::path folder = path.parent_path();
+    if (!fileManager_.fileExistsAtPath(folder))
+        fileManager_.createDirectoryAtPath(folder);  // without the folder the write fails, and says why
+    if (const std::error_code error = fileManager_.writeAtomically(path, *text))
+        log_.log(formatText("ERROR while saving report:%@", {error.message()}));
+    return path.native();
+}
+
+std::filesystem::path ReportStorage::filePathForReport(Date date, SaleDataReportType type,
+                                                       std::string_view vendorID) const {
+    return filePathForFilename(reportFileName(reportKey(date, type), type, vendorID));
+}
+
+bool ReportStorage::reportExists(Date date, SaleDataReportType type, std::string_view vendorID) const {
+    return fileManager_.fileExistsAtPath(filePathForReport(date, type, vendorID));
+}
+
+}  // namespace corvane
