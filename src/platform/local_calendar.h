@@ -5,8 +5,13 @@
 
 #include "platform/date.h"
 
-/// The Gregorian calendar in the local time zone (TZ, else the system's). Any thread.
+/// The Gregorian calendar in the local time zone: the one that TZ names, else the system's. A change of TZ
+/// counts from the next call on, a change of the system's zone from the next `refreshLocalTimeZone` on. Any
+/// thread, as long as none changes the environment meanwhile. None of the operations fails.
 namespace corvane {
+
+/// Looks up the system's time zone anew, for a program that outlives a change of it.
+void refreshLocalTimeZone();
 
 /// The calendar day that the instant falls on.
 std::chrono::year_month_day localDay(Date date);
