@@ -3,37 +3,31 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
+#include "core/autoingestion_form.h"
 #include "platform/background_queue.h"
 #include "platform/date.h"
 #include "platform/http_client.h"
+#include "platform/local_calendar.h"
 #include "platform/log.h"
 #include "platform/main_queue.h"
 
 namespace corvane {
 
-/// The texts of these go onto the wire as they stand, the third date type's spelling included.
-enum class AutoingestionToolTypeOfReport { Sales };
-enum class AutoingestionToolDateType { Daily, Weekly, Monhtly, Yearly };
-enum class AutoingestionToolReportType { Summary };
-
-std::string_view rawValue(AutoingestionToolTypeOfReport type);
-std::string_view rawValue(AutoingestionToolDateType type);
-std::string_view rawValue(AutoingestionToolReportType type);
-
-/// The date type of an ordinal; only its two low bits count.
-AutoingestionToolDateType dateTypeOfOrdinal(unsigned ordinal);
-
 /// What became of one requested report.
 struct ReportResult {
-    bool succeeded = false;  ///< the service returned a report file, or there was nothing to ask for
-    std::optional<std::string>
-        fileName;                     ///< the name that the service suggests; absent without a report file
-    std::optional<Date> reportDate;   ///< the requested date; absent in a closing call
-    bool isLastReport = false;        ///< the last date of the list, or a closing call
-    std::optional<Bytes> reportData;  ///< the body exactly as sent; absent without a report file
+    /// The service returned a report file, or there was nothing to ask for.
+    bool succeeded = false;
+    /// The name that the service suggests; absent without a report file.
+    std::optional<std::string> fileName;
+    /// The requested date; absent in a closing call.
+    std::optional<Date> reportDate;
+    /// The last date of the list, or a closing call.
+    bool isLastReport = false;
+    /// The body exactly as sent; absent without a report file.
+    std::optional<Bytes> reportData;
 };
 
 /// Where the report service is and what a client needs to talk to it. All of it outlives every client and
@@ -69,12 +63,14 @@ class AutoingestionTool {
 
     /// Asks for each date in list order, one after the other, on one job of the background queue; returns at
     /// once. The report handler gets one result for each date asked, and one more, the closing call, for an
-    /// empty list and after a rejected sign-in, which ends the list. Without a vendor ID: one log line and no
-    /// call at all.
+    /// empty list (succeeded) and after a rejected sign-in, which ends the list (not succeeded). Without a
+    /// vendor ID: one log line and no call at all. Neither handler may be empty; both live until the job's
+    /// last call.
     void requestReports(std::vector<Date> dates, AutoingestionToolDateType dateType,
                         ReportHandler reportHandler, LoginErrorHandler loginErrorHandler) const;
 
-    /// The same for one date; silent without a vendor ID.
+    /// The same for one date; silent without a vendor ID. After a rejected sign-in the report handler is
+    /// called for the date and for the closing call.
     void requestReport(Date date, AutoingestionToolDateType dateType, SingleReportHandler reportHandler,
                        LoginErrorHandler loginErrorHandler) const;
 
@@ -84,6 +80,9 @@ class AutoingestionTool {
     void setPasswordString(std::string password) { password_ = std::move(password); }
     const std::optional<std::string>& vendorID() const { return vendorID_; }
     void setVendorID(std::optional<std::string> vendorID) { vendorID_ = std::move(vendorID); }
+
+    /// How report dates are written for the service, whatever the date type.
+    static constexpr DateFormat dateFormatter() { return DateFormat::YearMonthDay; }
 
   private:
     const ReportServiceConnection& connection_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 
 #include "platform/bytes.h"
@@ -15,10 +16,13 @@ bool isGzippedData(ByteView data);
 std::optional<Bytes> gzippedDataWithCompressionLevel(Bytes data, float level);
 std::optional<Bytes> gzippedData(Bytes data);
 
+/// The longest unpacked form.
+inline constexpr std::size_t maximumUnpackedSize = std::size_t{512} * 1024 * 1024;
+
 /// Unpacks the first member; empty data, or data that is not gzip, comes back unchanged. A broken stream
 /// comes back as far as it was unpacked, followed by the zero bytes of the room that was made for more.
-/// Absent when zlib cannot be set up, or when more than `maximumSize` bytes would come out.
-inline constexpr std::size_t maximumUnpackedSize = std::size_t{512} * 1024 * 1024;
+/// Absent when zlib cannot be set up, or when the result would be longer than `maximumSize`, which can only
+/// lower the limit above.
 std::optional<Bytes> gunzippedData(Bytes data, std::size_t maximumSize = maximumUnpackedSize);
 
 }  // namespace corvane
