@@ -34,6 +34,17 @@ void SettingsWindowController::updateView() {
     // The first tab always goes in before the selected one, and stays when the selection is out of range.
     if (!viewControllers_.empty())
         switchToViewController(viewControllers_.front());
+    rebuildToolbar();
+    if (selectedViewControllerIndex_ < viewControllers_.size()) {
+        const Tab& selected = viewControllers_[selectedViewControllerIndex_];
+        selectToolbarItem(*selected);
+        switchToViewController(selected);
+    } else if (!viewControllers_.empty()) {
+        selectToolbarItem(*viewControllers_.front());
+    }
+}
+
+void SettingsWindowController::rebuildToolbar() {
     if (!window_)
         return;
     for (std::size_t count = window_->toolbarItemCount(); count > 0; --count)
@@ -42,13 +53,11 @@ void SettingsWindowController::updateView() {
         if (const auto item = toolbarItemForItemIdentifier(viewControllers_[i]->toolbarIdentifier()))
             window_->insertToolbarItem(*item, i);
     }
-    if (selectedViewControllerIndex_ < viewControllers_.size()) {
-        const Tab& selected = viewControllers_[selectedViewControllerIndex_];
-        window_->setSelectedToolbarItem(selected->toolbarIdentifier());
-        switchToViewController(selected);
-    } else if (!viewControllers_.empty()) {
-        window_->setSelectedToolbarItem(viewControllers_.front()->toolbarIdentifier());
-    }
+}
+
+void SettingsWindowController::selectToolbarItem(const SettingsViewController& tab) {
+    if (window_)
+        window_->setSelectedToolbarItem(tab.toolbarIdentifier());
 }
 
 void SettingsWindowController::switchToViewController(const Tab& tab) {

@@ -64,6 +64,8 @@ class SettingsWindowController final : public SettingsWindowEvents {
     void windowWillHide() override;
 
   private:
+    void rebuildToolbar();
+    void selectToolbarItem(const SettingsViewController& tab);
     bool isInContentArea(const Tab& tab) const { return tabsInContentArea_.contains(tab.get()); }
 
     std::vector<Tab> viewControllers_;
