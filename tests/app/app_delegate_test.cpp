@@ -66,11 +66,11 @@ TEST_F(AppDelegateTest, AnImportRequestOpensAFixedSizeSheetOnTheSettingsWindow) 
     requestImport();
 
     ASSERT_EQ(interfaceFiles.importWindows.size(), 1U);
-    const auto& importWindow = interfaceFiles.importWindows[0];
-    EXPECT_THAT(interfaceFiles.settingsWindow->sheets(), ElementsAre(importWindow));
-    EXPECT_EQ(delegate.updateWindow(), importWindow);
-    EXPECT_FALSE(importWindow->isResizable());
-    EXPECT_TRUE(importWindow->view().isAnimating);
+    const auto& opened = interfaceFiles.importWindows[0];
+    EXPECT_THAT(interfaceFiles.settingsWindow->sheets(), ElementsAre(opened));
+    EXPECT_EQ(delegate.updateWindow(), opened);
+    EXPECT_FALSE(opened->isResizable());
+    EXPECT_TRUE(opened->view().isAnimating);
 }
 
 TEST_F(AppDelegateTest, ReadsTheEditionFromTheRequest) {

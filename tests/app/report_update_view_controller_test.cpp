@@ -30,6 +30,14 @@ class ReportUpdateViewControllerTest : public testing::Test, protected test::App
         return *interfaceFiles.importWindows.back();
     }
 
+    /// Lets time pass before each answer, so that the window can be brought up to date between answers.
+    void answerOneByOne() {
+        service = [this](const HttpRequest& request) {
+            mainQueue.advance(100ms);
+            return test::answerWithItsReport(request);
+        };
+    }
+
     void runImport() {
         openImportWindow().appear();
         runToEnd();
@@ -69,25 +77,29 @@ TEST_F(ReportUpdateViewControllerTest, HandsItsEditionToTheEngine) {
 
 TEST_F(ReportUpdateViewControllerTest, ShowsCountsPercentageAndBar) {
     fillCache([](const std::string& key) { return key >= "20150610" && key <= "20150617"; });
+    answerOneByOne();
     test::FakeImportWindow& window = openImportWindow();
     window.appear();
     runToEnd();
 
-    // Eight days and a week: nine reports; two closing calls. The first answer is announced as 0 of 9.
+    // Eight days and a week: nine reports, after the closing calls of two empty lists, which count as well.
     const test::FakeReportUpdateView& view = window.view();
-    EXPECT_EQ(view.descriptions[1], "Downloaded 0 of 9 reports");
-    EXPECT_EQ(view.progressTexts[0], "0.00% completed");
-    EXPECT_THAT(view.descriptions, Contains("Downloaded 3 of 9 reports"));
-    EXPECT_THAT(view.progressTexts, Contains("33.33% completed"));
+    for (const char* text :
+         {"Downloaded 2 of 9 reports", "Downloaded 3 of 9 reports", "Downloaded 9 of 9 reports"})
+        EXPECT_THAT(view.descriptions, Contains(text));
+    for (const char* text : {"22.22% completed", "33.33% completed", "100.00% completed"})
+        EXPECT_THAT(view.progressTexts, Contains(text));
+    EXPECT_EQ(view.descriptions.back(), "Downloaded 9 of 9 reports");
 }
 
 TEST_F(ReportUpdateViewControllerTest, ThreeOfEightReportsAreThirtySevenAndAHalfPercent) {
-    fillCache([](const std::string& key) { return key >= "20150615" && key <= "20150617"; });
     addAccount("2");
-    service = [](const HttpRequest& request) { return test::answerWithItsReport(request); };
-    fillCache([](const std::string& key) {
-        return key == "20150617" || key == "20150616" || key == "20150615" || key == "2015";
-    });
+    fillCache([](const std::string& key) { return key >= "20150615" && key <= "20150617"; });
+    settings.setReportsDownloadedCache([keys = *settings.reportsDownloadedCache()]() mutable {
+        std::erase(keys, "2015");
+        return keys;
+    }());
+    answerOneByOne();
     test::FakeImportWindow& window = openImportWindow();
     window.appear();
     runToEnd();
@@ -245,9 +257,9 @@ TEST_F(ReportUpdateViewControllerTest, CopiesFilesIntoTheSharedReportsFolderAndK
     controller.loadURLs(urls);
 
     EXPECT_EQ(controller.urls(), urls);
-    EXPECT_EQ(files.contentOf(container / "Reports" / "a report.txt"), toBytes("new"));
-    EXPECT_EQ(files.contentOf(container / "Reports" / "other.txt"), toBytes("kept"));
-    EXPECT_EQ(files.contentOf("/home/user/a report.txt"), toBytes("new"));
+    EXPECT_EQ(files.contentsAtPath(container / "Reports" / "a report.txt"), toBytes("new"));
+    EXPECT_EQ(files.contentsAtPath(container / "Reports" / "other.txt"), toBytes("kept"));
+    EXPECT_EQ(files.contentsAtPath("/home/user/a report.txt"), toBytes("new"));
     EXPECT_TRUE(log.contains("copy from:/home/user/a report.txt to:" +
                              (container / "Reports/a report.txt").native()));
     EXPECT_TRUE(
@@ -259,12 +271,12 @@ TEST_F(ReportUpdateViewControllerTest, MakesTheReportsFolderForTheFirstCopy) {
     files.createDirectoryAtPath("/home/user");
     files.writeAtomically("/home/user/a.txt", toBytes("new"));
     openImportWindow().controller().loadURLs({ResourceUrl::ofFile("/home/user/a.txt")});
-    EXPECT_EQ(files.contentOf(container / "Reports" / "a.txt"), toBytes("new"));
+    EXPECT_EQ(files.contentsAtPath(container / "Reports" / "a.txt"), toBytes("new"));
 }
 
 TEST_F(ReportUpdateViewControllerTest, CopyingWithoutTheSharedContainerIsFatal) {
     ReportUpdateViewController& controller = openImportWindow().controller();
-    files.loseContainer();
+    files.refuseContainers();
     EXPECT_DEATH(controller.loadURLs({ResourceUrl::ofFile("/home/user/a.txt")}), "shared folder");
     controller.loadURLs({ResourceUrl("https://example.com/web.txt")});
 }

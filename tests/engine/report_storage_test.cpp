@@ -5,8 +5,8 @@
 #include <string>
 
 #include "core/gzip_codec.h"
-#include "platform/memory/in_memory_file_manager.h"
 #include "platform/memory/in_memory_log.h"
+#include "support/faulty_file_manager.h"
 
 namespace corvane {
 namespace {
@@ -15,7 +15,7 @@ class ReportStorageTest : public testing::Test {
   protected:
     std::string pathOf(const std::string& name) const { return storage.reportPath() / name; }
 
-    InMemoryFileManager files;
+    test::FaultyFileManager files;
     InMemoryLog log;
     ReportStorage storage{files, log};
 };
@@ -29,8 +29,8 @@ TEST_F(ReportStorageTest, KeepsReportsInToImportOfTheSharedContainer) {
 }
 
 TEST(ReportStorageDeathTest, CannotBeMadeWithoutTheSharedContainer) {
-    InMemoryFileManager files;
-    files.loseContainer();
+    test::FaultyFileManager files;
+    files.refuseContainers();
     InMemoryLog log;
     EXPECT_DEATH(ReportStorage(files, log), "shared folder");
 }
@@ -40,7 +40,7 @@ TEST_F(ReportStorageTest, UnpacksTheReportAndStoresItUnderTheServicesName) {
         storage.createTempFile("S_D_80012345_20150104.txt.gz", *gzippedData(toBytes("a\tb\r\n")));
 
     EXPECT_EQ(path, pathOf("S_D_80012345_20150104.txt"));
-    EXPECT_EQ(files.contentOf(*path), toBytes("a\tb\r\n"));
+    EXPECT_EQ(files.contentsAtPath(*path), toBytes("a\tb\r\n"));
     EXPECT_EQ(log.lines(),
               (std::vector<std::string>{"result:S_D_80012345_20150104.txt.gz", "save to:" + *path}));
 }
@@ -66,20 +66,20 @@ TEST_F(ReportStorageTest, TakesTheLastPartOfTheNameUpToItsFirstDot) {
     for (const auto& name : names) {
         SCOPED_TRACE(name.delivered);
         EXPECT_EQ(storage.createTempFile(name.delivered, toBytes("text")), pathOf(name.stored));
-        EXPECT_EQ(files.contentOf(pathOf(name.stored)), toBytes("text"));
+        EXPECT_EQ(files.contentsAtPath(pathOf(name.stored)), toBytes("text"));
     }
 }
 
 TEST_F(ReportStorageTest, StoresTextThatWasNeverPackedAsItIs) {
     const std::string text = "\xEF\xBB\xBFProvider\tUnits\r\nAPPLE\t1\n\n";
     const auto path = storage.createTempFile("report.txt", toBytes(text));
-    EXPECT_EQ(files.contentOf(*path), toBytes(text));
+    EXPECT_EQ(files.contentsAtPath(*path), toBytes(text));
 }
 
 TEST_F(ReportStorageTest, StoresAnEmptyReportAsAnEmptyFile) {
     const auto path = storage.createTempFile("report.txt", {});
     ASSERT_TRUE(path);
-    EXPECT_EQ(files.contentOf(*path), Bytes{});
+    EXPECT_EQ(files.contentsAtPath(*path), Bytes{});
 }
 
 TEST_F(ReportStorageTest, StoresNothingThatIsNotUtf8) {
@@ -89,14 +89,14 @@ TEST_F(ReportStorageTest, StoresNothingThatIsNotUtf8) {
         SCOPED_TRACE(testing::PrintToString(text));
         EXPECT_EQ(storage.createTempFile("report.txt", toBytes(text)), std::nullopt);
     }
-    EXPECT_EQ(files.contentOf(pathOf("report.txt")), std::nullopt);
+    EXPECT_EQ(files.contentsAtPath(pathOf("report.txt")), std::nullopt);
 }
 
 TEST_F(ReportStorageTest, StoresNulAndNonCharactersWhichAreValidText) {
     const std::string text("a\0b\xEF\xBF\xBF", 6);
     const auto path = storage.createTempFile("report.txt", toBytes(text));
     ASSERT_TRUE(path);
-    EXPECT_EQ(files.contentOf(*path), toBytes(text));
+    EXPECT_EQ(files.contentsAtPath(*path), toBytes(text));
 }
 
 TEST_F(ReportStorageTest, StoresATruncatedPackedReportWithTheZeroTailOfItsUnpacking) {
@@ -109,7 +109,7 @@ TEST_F(ReportStorageTest, StoresATruncatedPackedReportWithTheZeroTailOfItsUnpack
     const auto path = storage.createTempFile("report.txt.gz", packed);
 
     ASSERT_TRUE(path);
-    const Bytes stored = files.contentOf(*path).value();
+    const Bytes stored = files.contentsAtPath(*path).value();
     EXPECT_EQ(stored, gunzippedData(packed));
     EXPECT_EQ(stored.back(), 0);
 }
@@ -117,7 +117,7 @@ TEST_F(ReportStorageTest, StoresATruncatedPackedReportWithTheZeroTailOfItsUnpack
 TEST_F(ReportStorageTest, ReplacesAReportThatIsFetchedAgain) {
     storage.createTempFile("report.txt", toBytes("first"));
     const auto path = storage.createTempFile("report.txt", toBytes("second"));
-    EXPECT_EQ(files.contentOf(*path), toBytes("second"));
+    EXPECT_EQ(files.contentsAtPath(*path), toBytes("second"));
 }
 
 TEST_F(ReportStorageTest, ReturnsThePathAndLogsTheErrorWhenTheFileCannotBeWritten) {
@@ -126,7 +126,7 @@ TEST_F(ReportStorageTest, ReturnsThePathAndLogsTheErrorWhenTheFileCannotBeWritte
     const auto path = storage.createTempFile("report.txt", toBytes("text"));
 
     EXPECT_EQ(path, pathOf("report.txt"));
-    EXPECT_EQ(files.contentOf(*path), std::nullopt);
+    EXPECT_EQ(files.contentsAtPath(*path), std::nullopt);
     EXPECT_EQ(log.lines().back(),
               "ERROR while saving report:" + std::make_error_code(std::errc::no_space_on_device).message());
 }

@@ -237,11 +237,11 @@ TEST_F(ReportUpdateManagerTest, StoresEachReportAndTellsItsPath) {
     run();
 
     const std::string path = manager.filePathForFilename("S_D_1_20150617.txt");
-    EXPECT_EQ(calls[0].path, path);
-    EXPECT_TRUE(calls[0].succeeded);
-    EXPECT_EQ(files.contentOf(path), toBytes("report of 20150617"));
+    EXPECT_EQ(calls.back().path, path);  // after the closing calls of the three empty lists
+    EXPECT_TRUE(calls.back().succeeded);
+    EXPECT_EQ(files.contentsAtPath(path), toBytes("report of 20150617"));
     EXPECT_TRUE(log.contains("file:S_D_1_20150617.txt.gz downloaded sucessfully"));
-    EXPECT_EQ(calls[1].path, std::nullopt);
+    EXPECT_EQ(calls.front().path, std::nullopt);
 }
 
 TEST_F(ReportUpdateManagerTest, RemembersTheKeyAlthoughTheFileCouldNotBeWritten) {
@@ -251,7 +251,7 @@ TEST_F(ReportUpdateManagerTest, RemembersTheKeyAlthoughTheFileCouldNotBeWritten)
     run();
 
     EXPECT_THAT(*settings.reportsDownloadedCache(), Contains("20150617"));
-    EXPECT_EQ(calls[0].path, manager.filePathForFilename("S_D_1_20150617.txt").native());
+    EXPECT_EQ(calls.back().path, manager.filePathForFilename("S_D_1_20150617.txt").native());
 }
 
 TEST_F(ReportUpdateManagerTest, RemembersTheKeyOfAReportThatIsNoText) {
@@ -261,8 +261,8 @@ TEST_F(ReportUpdateManagerTest, RemembersTheKeyOfAReportThatIsNoText) {
     run();
 
     EXPECT_THAT(*settings.reportsDownloadedCache(), Contains("20150617"));
-    EXPECT_EQ(calls[0].path, std::nullopt);
-    EXPECT_TRUE(calls[0].succeeded);
+    EXPECT_EQ(calls.back().path, std::nullopt);
+    EXPECT_TRUE(calls.back().succeeded);
 }
 
 TEST_F(ReportUpdateManagerTest, AFailedReportLeavesNoKeyAndIsDueAgain) {
@@ -453,7 +453,7 @@ TEST_F(ReportUpdateManagerTest, ASignInRejectedOnTheLastDateCountsItsListTwiceSo
     EXPECT_TRUE(calls[4].succeeded);
     EXPECT_EQ(calls[4].reportsDone, 4);
     EXPECT_EQ(calls[4].reportsTotal, 2);
-    EXPECT_TRUE(files.contentOf(calls[4].path.value()));
+    EXPECT_TRUE(files.contentsAtPath(calls[4].path.value()));
     EXPECT_THAT(*settings.reportsDownloadedCache(), Not(Contains("2015")));
     EXPECT_EQ(alerts.shown().size(), 1U);
 }
