@@ -63,8 +63,8 @@ struct Behaviour {
     Delivery delivery{};
 };
 
-/// Decides for each request whose sign-in was accepted or not: a rule comes before the check of the sign-in.
-/// Absent leaves the request to the service's ordinary work. Called from several threads at once.
+/// Decides what is done with a request, before any sign-in is checked. Absent leaves the request to the
+/// service's ordinary work. Called from several threads at once.
 using BehaviourRule = std::function<std::optional<Behaviour>(const ReportRequest&)>;
 
 }  // namespace corvane::demo

@@ -18,15 +18,17 @@ constexpr std::string_view kFeedPath = "/Plovance/update.json";
 
 class RunningDemoService final : public DemoService {
   public:
-    RunningDemoService(DemoServiceOptions options, TlsSetup tls)
+    RunningDemoService(const DemoServiceOptions& options, TlsSetup tls)
         : caCertificate_(std::move(tls.caCertificate)),
-          updateFeed_(std::move(options.updateFeed)),
-          reportFront_(std::move(tls.context), std::move(options.accounts), std::move(options.source),
-                       std::move(options.behaviour)),
-          updateFront_([this](const ReceivedRequest& request) { return answerOfFeed(request); }),
-          redirectTargetFront_([](const ReceivedRequest&) {
-              return PlainAnswer{statusPage(200), {}};
-          }) {}
+          updateFeed_(options.updateFeed),
+          reportFront_(std::move(tls.context), options),
+          updateFront_([this](const ReceivedRequest& request) { return answerOfFeed(request); },
+                       options.keepsRequests),
+          redirectTargetFront_(
+              [](const ReceivedRequest&) {
+                  return PlainAnswer{statusPage(200), {}};
+              },
+              options.keepsRequests) {}
 
     /// False when a port is taken.
     bool listen(std::uint16_t port, std::uint16_t updatePort) {
@@ -99,11 +101,10 @@ std::unique_ptr<DemoService> DemoService::start(DemoServiceOptions options, std:
     if (!options.source) {
         options.source = std::make_shared<MadeUpReportSource>();
     }
-    const std::uint16_t port = options.port;
-    const std::uint16_t updatePort = options.updatePort;
-    auto service = std::make_unique<RunningDemoService>(std::move(options), std::move(*tls));
-    if (!service->listen(port, updatePort)) {
-        problem = fmt::format("cannot listen on port {} or {} of 127.0.0.1", port, updatePort);
+    auto service = std::make_unique<RunningDemoService>(options, std::move(*tls));
+    if (!service->listen(options.port, options.updatePort)) {
+        problem =
+            fmt::format("cannot listen on port {} or {} of 127.0.0.1", options.port, options.updatePort);
         return nullptr;
     }
     return service;

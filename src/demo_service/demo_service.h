@@ -35,7 +35,9 @@ struct DemoServiceOptions {
     std::vector<DemoAccount> accounts{};       ///< the sign-ins that are right; empty: every sign-in is
     std::shared_ptr<ReportSource> source{};    ///< absent: made-up reports
     BehaviourRule behaviour{};                 ///< absent: the service's ordinary work
+    std::chrono::milliseconds latency{0};      ///< of every report answer, besides what its behaviour says
     UpdateFeed updateFeed{.statusCode = 404};  ///< the default: there is no feed
+    bool keepsRequests = true;                 ///< false for a service that runs long and is never asked
     std::uint16_t port = 0;                    ///< of the report service; 0: any free one
     std::uint16_t updatePort = 0;              ///< of the update feed
 };

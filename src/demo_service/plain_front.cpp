@@ -8,7 +8,8 @@
 
 namespace corvane::demo {
 
-PlainFront::PlainFront(AnswerRequest answerRequest) : answerRequest_(std::move(answerRequest)) {}
+PlainFront::PlainFront(AnswerRequest answerRequest, bool keepsRequests)
+    : answerRequest_(std::move(answerRequest)), log_(keepsRequests) {}
 
 Listener::Serve PlainFront::serve() {
     return [this](Socket socket, std::size_t connection) { serveConnection(std::move(socket), connection); };

@@ -20,7 +20,7 @@ class PlainFront {
     /// Called from several threads at once.
     using AnswerRequest = std::function<PlainAnswer(const ReceivedRequest&)>;
 
-    explicit PlainFront(AnswerRequest answerRequest);
+    PlainFront(AnswerRequest answerRequest, bool keepsRequests);
 
     /// Serves a listener's connections; valid as long as this front.
     Listener::Serve serve();

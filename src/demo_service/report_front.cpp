@@ -16,12 +16,13 @@ constexpr std::string_view kRequestLine = "POST /autoingestion.tft? HTTP/1.1";
 
 }  // namespace
 
-ReportFront::ReportFront(TlsContextPointer tls, std::vector<DemoAccount> accounts,
-                         std::shared_ptr<ReportSource> source, BehaviourRule rule)
+ReportFront::ReportFront(TlsContextPointer tls, const DemoServiceOptions& options)
     : tls_(std::move(tls)),
-      accounts_(std::move(accounts)),
-      source_(std::move(source)),
-      rule_(std::move(rule)) {}
+      accounts_(options.accounts),
+      source_(options.source),
+      latency_(options.latency),
+      rule_(options.behaviour),
+      log_(options.keepsRequests) {}
 
 Listener::Serve ReportFront::serve() {
     return [this](Socket socket, std::size_t connection) { serveConnection(std::move(socket), connection); };
@@ -49,7 +50,8 @@ ReportFront::Reply ReportFront::replyTo(const ReceivedRequest& request) {
     if (!request.reportRequest) {
         return {incompleteFormAnswer(), {}};
     }
-    const Behaviour behaviour = behaviourFor(*request.reportRequest);
+    Behaviour behaviour = behaviourFor(*request.reportRequest);
+    behaviour.delivery.latency += latency_;
     return {answerFor(*request.reportRequest, behaviour, *source_), behaviour.delivery};
 }
 

@@ -19,8 +19,8 @@ namespace corvane::demo {
 /// The protocol of the report service over TLS.
 class ReportFront {
   public:
-    ReportFront(TlsContextPointer tls, std::vector<DemoAccount> accounts,
-                std::shared_ptr<ReportSource> source, BehaviourRule rule);
+    /// Of the options it takes all that concerns reports; there must be a source.
+    ReportFront(TlsContextPointer tls, const DemoServiceOptions& options);
 
     /// Serves a listener's connections; valid as long as this front.
     Listener::Serve serve();
@@ -42,7 +42,8 @@ class ReportFront {
 
     TlsContextPointer tls_;
     const std::vector<DemoAccount> accounts_;
-    std::shared_ptr<ReportSource> source_;
+    const std::shared_ptr<ReportSource> source_;
+    const std::chrono::milliseconds latency_;
     std::mutex mutex_;  // guards rule_
     BehaviourRule rule_;
     RequestLog log_;

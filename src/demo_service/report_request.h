@@ -18,7 +18,7 @@ struct ReportRequest {
     ReportDateType dateType = ReportDateType::daily;
     std::chrono::year_month_day
         date{};             ///< a valid calendar day; always a whole day, also for months and years
-    std::size_t index = 0;  ///< how many requests of this vendor and date type came before, since the start
+    std::size_t index = 0;  ///< how many requests of this vendor and date type came before
 };
 
 /// Reads the body of a request. Absent when the vendor number, the date type or the date is missing or

@@ -1,27 +1,16 @@
 #include "demo_service/request_log.h"
 
-#include <algorithm>
-#include <utility>
-
 namespace corvane::demo {
-
-namespace {
-
-bool isSameList(const ReportRequest& first, const ReportRequest& second) {
-    return first.vendorId == second.vendorId && first.dateType == second.dateType;
-}
-
-}  // namespace
 
 ReceivedRequest RequestLog::add(ReceivedRequest request) {
     const std::scoped_lock lock(mutex_);
-    if (request.reportRequest) {
-        const auto count = std::ranges::count_if(requests_, [&](const ReceivedRequest& earlier) {
-            return earlier.reportRequest && isSameList(*earlier.reportRequest, *request.reportRequest);
-        });
-        request.reportRequest->index = static_cast<std::size_t>(count);
+    if (auto& asked = request.reportRequest) {
+        asked->index = countsOfLists_[{asked->vendorId, asked->dateType}]++;
     }
-    requests_.push_back(request);
+    if (keepsRequests_) {
+        requests_.push_back(request);
+    }
+    ++count_;
     changed_.notify_all();
     return request;
 }
@@ -33,17 +22,19 @@ std::vector<ReceivedRequest> RequestLog::requests() const {
 
 std::size_t RequestLog::count() const {
     const std::scoped_lock lock(mutex_);
-    return requests_.size();
+    return count_;
 }
 
 bool RequestLog::waitForCount(std::size_t count, std::chrono::milliseconds timeout) const {
     std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, timeout, [&] { return requests_.size() >= count; });
+    return changed_.wait_for(lock, timeout, [&] { return count_ >= count; });
 }
 
 void RequestLog::clear() {
     const std::scoped_lock lock(mutex_);
     requests_.clear();
+    countsOfLists_.clear();
+    count_ = 0;
 }
 
 }  // namespace corvane::demo
