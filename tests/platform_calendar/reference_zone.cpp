@@ -1,5 +1,6 @@
 #include "platform_calendar/reference_zone.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -91,14 +92,14 @@ ReferenceZone::ReferenceZone(const std::string& name) {
         spans_.push_back({times[i], offsets.at(types[i])});
 }
 
+std::size_t ReferenceZone::spanAt(std::int64_t instant) const {
+    const auto next = std::upper_bound(spans_.begin(), spans_.end(), instant,
+                                       [](std::int64_t time, const Span& span) { return time < span.first; });
+    return static_cast<std::size_t>(next - spans_.begin()) - 1;
+}
+
 std::int64_t ReferenceZone::offsetAt(std::int64_t instant) const {
-    std::int64_t offset = 0;
-    for (const Span& span : spans_) {
-        if (span.first > instant)
-            break;
-        offset = span.offset;
-    }
-    return offset;
+    return spans_[spanAt(instant)].offset;
 }
 
 std::int64_t ReferenceZone::dayOf(std::int64_t instant) const {
@@ -108,7 +109,9 @@ std::int64_t ReferenceZone::dayOf(std::int64_t instant) const {
 std::int64_t ReferenceZone::startOfDay(std::int64_t day) const {
     const std::int64_t wallMidnight = day * secondsPerDay;
     std::int64_t firstLaterWallTime = std::numeric_limits<std::int64_t>::max();
-    for (std::size_t i = spans_.size(); i-- > 0;) {
+    // No zone is two days from UTC, so the spans further away cannot hold the midnight.
+    const std::size_t earliest = spanAt(wallMidnight - 2 * secondsPerDay);
+    for (std::size_t i = spanAt(wallMidnight + 2 * secondsPerDay) + 1; i-- > earliest;) {
         const Span& span = spans_[i];
         const std::int64_t end =
             i + 1 < spans_.size() ? spans_[i + 1].first : std::numeric_limits<std::int64_t>::max();

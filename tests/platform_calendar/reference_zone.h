@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -34,6 +35,8 @@ class ReferenceZone {
         std::int64_t first;  ///< the first instant with this offset
         std::int64_t offset;
     };
+    std::size_t spanAt(std::int64_t instant) const;
+
     std::vector<Span> spans_;  ///< ascending, the first from the beginning of time on
 };
 
