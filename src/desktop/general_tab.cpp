@@ -1,0 +1,68 @@
+#include "desktop/general_tab.h"
+
+#include <QFont>
+#include <QGridLayout>
+#include <QIcon>
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include "desktop/qt_text.h"
+#include "desktop/read_only_text.h"
+#include "platform/text_format.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr const char* comment = "General tab";
+constexpr int iconSize = 64;
+
+ReadOnlyText* makeText(const QString& text, const char* name, QWidget* parent) {
+    auto* widget = new ReadOnlyText(text, parent);
+    widget->setObjectName(name);
+    widget->setFocusPolicy(Qt::StrongFocus);
+    widget->setTabChangesFocus(true);
+    return widget;
+}
+
+}  // namespace
+
+GeneralTab::GeneralTab(const ProgramFacts& facts, const LocalizedStrings& strings) {
+    setObjectName("generalTab");
+    const auto localized = [&](const char* key) { return strings.localizedString(key, comment); };
+
+    auto* icon = new QLabel(this);
+    icon->setPixmap(windowIcon().pixmap(QSize(iconSize, iconSize), devicePixelRatioF()));
+
+    auto* name = makeText(facts.name, "programName", this);
+    name->setAccessibleName(toQString(localized("Name")));
+    QFont nameFont = name->font();
+    nameFont.setPointSizeF(nameFont.pointSizeF() * 1.6);
+    nameFont.setBold(true);
+    name->setFont(nameFont);
+
+    const std::string version = formatText(localized("Version %@"), {facts.version.toStdString()});
+    auto* versionText = makeText(toQString(version), "programVersion", this);
+    versionText->setAccessibleName(toQString(localized("Version")));
+
+    auto* folderLabel = new QLabel(toQString(localized("Imported reports are stored in this folder:")), this);
+    folderLabel->setTextFormat(Qt::PlainText);
+    folderLabel->setWordWrap(true);
+    auto* folder = makeText(facts.reportsFolder, "reportsFolder", this);
+    folder->setAccessibleName(folderLabel->text());
+
+    auto* texts = new QVBoxLayout;
+    texts->addWidget(name);
+    texts->addWidget(versionText);
+    texts->addSpacing(2 * texts->spacing() + fontMetrics().height());
+    texts->addWidget(folderLabel);
+    texts->addWidget(folder);
+    texts->addStretch(1);
+
+    auto* content = new QHBoxLayout(this);
+    content->setSpacing(fontMetrics().height());
+    content->addWidget(icon, 0, Qt::AlignTop);
+    content->addLayout(texts, 1);
+}
+
+}  // namespace corvane

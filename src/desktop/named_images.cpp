@@ -1,0 +1,40 @@
+#include "desktop/named_images.h"
+
+#include <QString>
+#include <map>
+
+namespace corvane {
+
+namespace {
+
+struct Image {
+    const char* themeName;
+    const char* fallback;
+};
+
+const std::map<std::string, Image>& images() {
+    static const std::map<std::string, Image> all{
+        {"NSImageNamePreferencesGeneral", {"preferences-system", ":/corvane/icons/general.svg"}},
+        {"NSImageNameUserAccounts", {"system-users", ":/corvane/icons/accounts.svg"}},
+        {"NSImageNameAdvanced", {"applications-system", ":/corvane/icons/advanced.svg"}},
+    };
+    return all;
+}
+
+QIcon fromTheme(const char* themeName, const char* fallback) {
+    const QIcon themed = QIcon::fromTheme(QString::fromLatin1(themeName));
+    return themed.availableSizes().isEmpty() ? QIcon(QString::fromLatin1(fallback)) : themed;
+}
+
+}  // namespace
+
+QIcon namedImage(const std::string& name) {
+    const auto image = images().find(name);
+    return image == images().end() ? QIcon() : fromTheme(image->second.themeName, image->second.fallback);
+}
+
+QIcon programIcon() {
+    return QIcon(QStringLiteral(":/corvane/icons/com.quessartolvinger.Corvane.svg"));
+}
+
+}  // namespace corvane
