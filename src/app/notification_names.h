@@ -1,6 +1,8 @@
 #pragma once
 
-/// Every notification name of the system.
+#include "settings_window/account_notification_names.h"
+
+/// Every notification name of the system; those of the Accounts tab stand with it.
 namespace corvane {
 
 /// Distributed; a host application asks for an import. Object: a JSON text with the options, or none.
@@ -13,11 +15,5 @@ inline constexpr const char* reportUpdateViewControllerDidFinishDistributedNotif
 /// In-process; the same. Object: the import window's controller.
 inline constexpr const char* reportUpdateViewControllerDidFinishNotification =
     "reportUpdateViewControllerDidFinishNotification";
-
-/// In-process; object: the account whose name was changed, or that was added.
-inline constexpr const char* kNotificationAccountNameChanged = "kNotificationAccountNameChanged";
-
-/// In-process; object: the account whose name, password or e-mail was changed.
-inline constexpr const char* kNotificationAccountDetailsChanged = "kNotificationAccountDetailsChanged";
 
 }  // namespace corvane
