@@ -16,7 +16,8 @@ void InMemoryDistributedNotificationCenter::deliver(const DistributedNotificatio
     const auto found = observers_.find(notification.name);
     if (found == observers_.end())
         return;
-    for (const Handler& handler : found->second)
+    const std::vector<Handler> handlers = found->second;  // an observer may add another one meanwhile
+    for (const Handler& handler : handlers)
         handler(notification);
 }
 

@@ -56,6 +56,15 @@ std::string headerLine(const HttpHeader& header) {
     return header.value.empty() ? header.name + ";" : header.name + ": " + header.value;
 }
 
+/// The library itself leaves the line's end behind in a value that is empty.
+std::string_view trimmed(std::string_view value) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t first = value.find_first_not_of(blanks);
+    if (first == std::string_view::npos)
+        return {};
+    return value.substr(first, value.find_last_not_of(blanks) - first + 1);
+}
+
 bool isContentType(const HttpHeader& header) {
     return curl_strequal(header.name.c_str(), "Content-Type") != 0;
 }
@@ -287,7 +296,7 @@ HttpResponse CurlConnection::readResponse() const {
     constexpr int lastRequest = -1;
     curl_header* header = nullptr;
     while ((header = curl_easy_nextheader(easy_.get(), CURLH_HEADER, lastRequest, header)) != nullptr)
-        response.headers.push_back({header->name, header->value});
+        response.headers.push_back({header->name, std::string(trimmed(header->value))});
     return response;
 }
 

@@ -18,7 +18,7 @@ struct CurlHttpClientOptions {
     /// The longest silence of the network within a request.
     std::chrono::milliseconds idleLimit{60'000};
     /// Of one request, in bytes: all header lines of all its responses together.
-    std::size_t maximumHeaderVolume = std::size_t{1024} * 1024;
+    std::size_t maximumHeaderVolume = std::size_t{256} * 1024;
 };
 
 /// HTTP over libcurl: HTTP/1.1 only, TLS 1.2 or newer with certificate and host name checked, no cookies,
@@ -28,7 +28,8 @@ struct CurlHttpClientOptions {
 ///
 /// Each concurrent request has a connection of its own, which is kept for a later request; TLS sessions are
 /// shared. A request runs on its caller's thread alone; between requests nothing runs. A request on a kept
-/// connection that the server closes without an answer is sent once more on a new one.
+/// connection that the server closes without an answer is sent once more on a new one. A body that announces
+/// no length ends with the connection, also where TLS is not closed first: too many servers do that.
 class CurlHttpClient final : public HttpClient {
   public:
     explicit CurlHttpClient(CurlHttpClientOptions options);
