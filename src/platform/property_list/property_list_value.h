@@ -53,6 +53,10 @@ class PropertyListValue {
     const T* get() const {
         return std::get_if<T>(&content_);
     }
+    template <typename T>
+    T* get() {
+        return std::get_if<T>(&content_);
+    }
 
     const Variant& content() const { return content_; }
 
