@@ -12,9 +12,9 @@ enum class ReportDateType { daily, weekly, monthly, yearly };
 
 /// One request for a report, as the form of the client says it.
 struct ReportRequest {
-    std::string userName;
-    std::string password;
-    std::string vendorId;
+    std::string userName{};
+    std::string password{};
+    std::string vendorId{};
     ReportDateType dateType = ReportDateType::daily;
     std::chrono::year_month_day
         date{};             ///< a valid calendar day; always a whole day, also for months and years
