@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <ranges>
 #include <utility>
 
 namespace corvane {
@@ -74,10 +73,11 @@ class InflateStream {
 
 // What the last four bytes of a gzip file say about its unpacked size. Nothing guarantees it.
 std::size_t announcedSize(ByteView packed) {
-    std::size_t size = 0;
-    for (const std::uint8_t byte : packed.last(std::min<std::size_t>(packed.size(), 4)) | std::views::reverse)
-        size = size << 8U | byte;
-    return size;
+    if (packed.size() < 4)
+        return 0;
+    const ByteView trailer = packed.last(4);
+    return trailer[0] | std::size_t{trailer[1]} << 8U | std::size_t{trailer[2]} << 16U |
+           std::size_t{trailer[3]} << 24U;
 }
 
 enum class Unpacking { Complete, Broken, TooLong, Unavailable };

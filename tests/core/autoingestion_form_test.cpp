@@ -79,20 +79,27 @@ constexpr ValueCase valueCases[] = {
     {"a\r\nb\tc\x7F", "a%250D%250Ab%2509c%257F"},
 };
 
+std::string bodyWith(const std::string& username, const std::string& password, const std::string& vendorID) {
+    std::string body = "USERNAME=" + username;
+    body += "&PASSWORD=" + password;
+    body += "&VNDNUMBER=" + vendorID;
+    body += "&TYPEOFREPORT=Sales&DATETYPE=Daily&REPORTTYPE=Summary&REPORTDATE=20150104";
+    return body;
+}
+
 TEST(AutoingestionForm, EscapesEveryTextTwice) {
     for (const ValueCase& test : valueCases) {
         SCOPED_TRACE(test.value);
         const std::string wire(test.onTheWire);
-        const std::string rest = "&TYPEOFREPORT=Sales&DATETYPE=Daily&REPORTTYPE=Summary&REPORTDATE=20150104";
         AutoingestionForm form = plainForm();
         form.username = test.value;
-        EXPECT_EQ(formBody(form), "USERNAME=" + wire + "&PASSWORD=secret&VNDNUMBER=80012345" + rest);
+        EXPECT_EQ(formBody(form), bodyWith(wire, "secret", "80012345"));
         form = plainForm();
         form.password = test.value;
-        EXPECT_EQ(formBody(form), "USERNAME=user&PASSWORD=" + wire + "&VNDNUMBER=80012345" + rest);
+        EXPECT_EQ(formBody(form), bodyWith("user", wire, "80012345"));
         form = plainForm();
         form.vendorID = test.value;
-        EXPECT_EQ(formBody(form), "USERNAME=user&PASSWORD=secret&VNDNUMBER=" + wire + rest);
+        EXPECT_EQ(formBody(form), bodyWith("user", "secret", wire));
     }
 }
 

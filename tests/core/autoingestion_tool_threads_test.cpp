@@ -64,9 +64,10 @@ TEST(AutoingestionToolThreads, DeliversEveryResultOfManyJobsInOrderOnTheMainThre
     const ReportServiceConnection connection{"service", http, mainQueue, backgroundQueue, log};
 
     std::vector<Date> dates;
+    dates.reserve(dateCount);
     const Date first = startOfLocalDay(2015y / 1 / 1) + 12h;
     for (std::size_t i = 0; i < dateCount; ++i)
-        dates.push_back(first + i * 24h);
+        dates.emplace_back(first + i * 24h);
 
     const std::thread::id mainThread = std::this_thread::get_id();
     std::mutex mutex;
