@@ -16,7 +16,7 @@ constexpr int gzipWindowBits = 15 + 16;
 constexpr int detectingWindowBits = 15 + 32;  // gzip or zlib header
 constexpr int deflateMemoryLevel = 8;
 constexpr std::size_t packedGrowth = 16384;
-constexpr std::size_t unpackedGrowth = std::size_t{256} * 1024;
+constexpr std::size_t unpackedGrowth = std::size_t{1024} * 1024;
 
 // A deflated byte stands for at most this many unpacked ones.
 constexpr std::size_t maximumExpansion = 1032;
@@ -95,7 +95,7 @@ Unpacking unpackWhole(ByteView packed, std::size_t maximumSize, Bytes& unpacked)
     unpacked.reserve(expected);
     int status = Z_OK;
     do {
-        // Step by step, so that the pages are still in the processor's cache when they are written.
+        // Step by step, so that a large announced size takes no memory before there is something to fill it.
         const std::size_t goal = unpacked.size() < expected ? expected : limit;
         unpacked.resize(std::min(goal, unpacked.size() + unpackedGrowth));
         status = stream.inflateInto(unpacked, Z_FINISH);
