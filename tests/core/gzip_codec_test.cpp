@@ -266,7 +266,7 @@ TEST(GzipCodec, DoesNotBelieveTheAnnouncedSize) {
         file.insert(file.end(), 4, byte);
         const std::optional<Bytes> unpacked = gunzippedData(file);
         EXPECT_TRUE(unpacked == report);
-        EXPECT_LE(unpacked->capacity(), file.size() * 1032);
+        EXPECT_LE(unpacked->capacity(), 2U * 1024 * 1024);
     }
 }
 
