@@ -25,7 +25,7 @@ std::optional<ReportKeys> loaded(const std::optional<PropertyListValue>& value) 
     ReportKeys keys;
     keys.reserve(array->size());
     for (const PropertyListValue& element : *array) {
-        const std::string* key = element.get<std::string>();
+        const auto* key = element.get<std::string>();
         if (key == nullptr)
             return std::nullopt;
         keys.push_back(*key);
@@ -51,7 +51,7 @@ void SettingsManger::setSharedManager(SettingsManger* manager) {
 
 void SettingsManger::load() {
     if (const auto archive = userDefaults_.objectForKey(settingsKeyItunesAccounts)) {
-        const Bytes* bytes = archive->get<Bytes>();
+        const auto* bytes = archive->get<Bytes>();
         std::optional<ITunesAccountList> accounts = bytes ? unarchivedAccountList(*bytes) : std::nullopt;
         if (accounts)
             setITunesAccounts(std::move(accounts));

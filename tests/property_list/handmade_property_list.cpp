@@ -5,7 +5,7 @@ namespace corvane {
 Bytes bigEndian(std::uint64_t value, std::size_t width) {
     Bytes bytes;
     for (std::size_t left = width; left > 0; --left)
-        bytes.push_back(left > 8 ? 0 : static_cast<std::uint8_t>(value >> (8 * (left - 1))));
+        bytes.push_back(static_cast<std::uint8_t>(left > 8 ? 0 : value >> (8 * (left - 1))));
     return bytes;
 }
 
