@@ -34,8 +34,7 @@ struct HttpResponse {
     std::vector<HttpHeader> headers;  ///< in the order received; values without leading and trailing blanks
 
     /// The value of the header of exactly this name (letter case counts), values of repeated headers joined
-    /// with
-    /// ", "; absent when there is none.
+    /// with ", "; absent when there is none.
     std::optional<std::string> headerField(std::string_view exactName) const;
 };
 

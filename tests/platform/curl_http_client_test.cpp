@@ -20,13 +20,13 @@ namespace corvane {
 namespace {
 
 using namespace std::chrono_literals;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using test::Identity;
 using test::LoopbackServer;
-using ::testing::Not;
 using test::ServerConnection;
 using test::TemporaryFolder;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
 constexpr const char* sslFailure =
     "An SSL error has occurred and a secure connection to the server cannot be made.";
@@ -530,15 +530,14 @@ TEST_F(TlsTest, takesUpATlsSessionOnANewConnection) {
 TEST_F(TlsTest, usesOneConnectionForEachOfFourParallelJobs) {
     const Identity identity = test::makeServerIdentity(&authority_);
     // The first answers wait for one another, so that four requests are open at once.
-    std::atomic<int> firstRequests = 0;
+    std::atomic<int> connections = 0;
     LoopbackServer server(
-        [&firstRequests](ServerConnection& connection) {
-            bool isFirst = true;
+        [&connections](ServerConnection& connection) {
+            ++connections;
+            connections.notify_all();
             while (const auto request = connection.readRequest()) {
-                if (isFirst && ++firstRequests < 4)
-                    firstRequests.wait(firstRequests.load());
-                isFirst = false;
-                firstRequests.notify_all();
+                for (int count = connections; count < 4; count = connections)
+                    connections.wait(count);
                 connection.sendOk(request->substr(request->find("\r\n\r\n") + 4));
             }
         },
