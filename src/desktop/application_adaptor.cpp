@@ -5,8 +5,9 @@
 
 namespace corvane {
 
-ApplicationAdaptor::ApplicationAdaptor(QObject* parent, std::function<void()> activate)
-    : QDBusAbstractAdaptor(parent), activate_(std::move(activate)) {}
+ApplicationAdaptor::ApplicationAdaptor(QObject* parent, const QDBusContext& context,
+                                       std::function<void()> activate)
+    : QDBusAbstractAdaptor(parent), context_(context), activate_(std::move(activate)) {}
 
 void ApplicationAdaptor::Activate(const QVariantMap& /*platform_data*/) {
     activate_();
@@ -18,7 +19,8 @@ void ApplicationAdaptor::Open(const QStringList& /*uris*/, const QVariantMap& /*
 
 void ApplicationAdaptor::ActivateAction(const QString& action_name, const QVariantList& /*parameter*/,
                                         const QVariantMap& /*platform_data*/) {
-    sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("There is no action named ") + action_name);
+    context_.sendErrorReply(QDBusError::InvalidArgs,
+                            QStringLiteral("There is no action named ") + action_name);
 }
 
 }  // namespace corvane

@@ -9,13 +9,13 @@
 namespace corvane {
 
 /// The interface org.freedesktop.Application, see dbus/org.freedesktop.Application.xml.
-class ApplicationAdaptor final : public QDBusAbstractAdaptor, public QDBusContext {
+class ApplicationAdaptor final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
   public:
-    /// Speaks for the parent; `activate` brings the program to the front.
-    ApplicationAdaptor(QObject* parent, std::function<void()> activate);
+    /// Speaks for the parent, whose context the calls come in; `activate` brings the program to the front.
+    ApplicationAdaptor(QObject* parent, const QDBusContext& context, std::function<void()> activate);
 
   public Q_SLOTS:
     void Activate(const QVariantMap& platform_data);
@@ -26,6 +26,7 @@ class ApplicationAdaptor final : public QDBusAbstractAdaptor, public QDBusContex
                         const QVariantMap& platform_data);
 
   private:
+    const QDBusContext& context_;
     std::function<void()> activate_;
 };
 

@@ -44,7 +44,7 @@ bool grantsName(const QDBusMessage& reply) {
 
 ApplicationService::ApplicationService(SessionBus& bus, Log& log, std::function<void()> activate)
     : bus_(bus), log_(log) {
-    new ApplicationAdaptor(this, std::move(activate));
+    new ApplicationAdaptor(this, *this, std::move(activate));
 }
 
 ApplicationService::Start ApplicationService::start() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDBusContext>
 #include <QObject>
 #include <functional>
 
@@ -11,7 +12,7 @@ namespace corvane {
 /// The program on the session bus: owns the name com.quessartolvinger.Corvane, at most one process of a
 /// session does, and answers org.freedesktop.Application at /com/quessartolvinger/Corvane. Whatever listens
 /// on the bus must do so before `start`: whoever sees the name may ask at once. Main thread only.
-class ApplicationService final : public QObject {
+class ApplicationService final : public QObject, public QDBusContext {
     Q_OBJECT
 
   public:

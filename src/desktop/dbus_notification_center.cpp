@@ -2,6 +2,7 @@
 
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <string_view>
 #include <utility>
 
 #include "desktop/bus_messages.h"
@@ -20,12 +21,14 @@ QString interfaceName() {
     return QStringLiteral("com.quessartolvinger.DistributedNotificationCenter");
 }
 
-/// Numbers read as numbers, everything else as its type.
+/// For the log: a number or truth value with its type, of anything else the type.
 ForeignObject foreignObject(const QDBusMessage& message) {
-    const QVariant first = message.arguments().constFirst();
-    const bool isPlain = message.arguments().size() == 1 && first.canConvert<QString>();
     const std::string type = toUtf8(message.signature());
-    return {isPlain ? formatText("<%@ %@>", {type, toUtf8(first.toString())}) : formatText("<%@>", {type})};
+    const bool isScalar =
+        type.size() == 1 && std::string_view("ybnqiuxtd").find(type) != std::string_view::npos;
+    if (!isScalar)
+        return {formatText("<%@>", {type})};
+    return {formatText("<%@ %@>", {type, toUtf8(message.arguments().constFirst().toString())})};
 }
 
 DistributedNotification notificationOf(const QDBusMessage& message) {

@@ -3,6 +3,11 @@
 #include <QString>
 #include <map>
 
+// A static library's resources are there only once they are asked for.
+static void registerIcons() {
+    Q_INIT_RESOURCE(icons);
+}
+
 namespace corvane {
 
 namespace {
@@ -22,6 +27,7 @@ const std::map<std::string, Image>& images() {
 }
 
 QIcon fromTheme(const char* themeName, const char* fallback) {
+    registerIcons();
     const QIcon themed = QIcon::fromTheme(QString::fromLatin1(themeName));
     return themed.availableSizes().isEmpty() ? QIcon(QString::fromLatin1(fallback)) : themed;
 }
@@ -34,6 +40,7 @@ QIcon namedImage(const std::string& name) {
 }
 
 QIcon programIcon() {
+    registerIcons();
     return QIcon(QStringLiteral(":/corvane/icons/com.quessartolvinger.Corvane.svg"));
 }
 

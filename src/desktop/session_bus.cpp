@@ -24,6 +24,12 @@ QString busAddress() {
     return QFileInfo::exists(socket) ? QStringLiteral("unix:path=") + socket : QString();
 }
 
+/// Names of connections are shared by the whole process, and one whose connection is lost stays in use.
+QString nextConnectionName() {
+    static int count = 0;
+    return QStringLiteral("corvane-%1").arg(++count);
+}
+
 /// May take as long as the bus needs to answer. Any thread.
 void openConnection(const QString& name) {
     const QString address = busAddress();
@@ -61,10 +67,6 @@ void SessionBus::leave() {
     retryTimer_.stop();
     joiner_.waitForDone();
     forgetConnection();
-}
-
-QString SessionBus::nextConnectionName() {
-    return QStringLiteral("corvane-%1").arg(++connectionCount_);
 }
 
 void SessionBus::joinInBackground() {

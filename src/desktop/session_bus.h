@@ -39,7 +39,6 @@ class SessionBus final : public QObject {
     void handleDisconnected();
 
   private:
-    QString nextConnectionName();
     void joinInBackground();
     void adopt(const QString& name);
     void tryAgainLater();
@@ -48,7 +47,6 @@ class SessionBus final : public QObject {
     Log& log_;
     QDBusConnection connection_;
     QString connectionName_;  ///< empty without a connection
-    int connectionCount_ = 0;
     bool isLossLogged_ = false;
     QTimer retryTimer_;
     std::chrono::milliseconds retryDelay_;

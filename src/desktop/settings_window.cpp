@@ -22,7 +22,7 @@ namespace corvane {
 namespace {
 
 /// Room for a table beside the fields of one of its rows.
-constexpr QSize initialContentSize{760, 460};
+constexpr QSize initialSize{760, 540};
 constexpr QSize smallestContentSize{480, 300};
 
 }  // namespace
@@ -45,7 +45,6 @@ SettingsWindow::SettingsWindow(SettingsWindowEvents& events, MenuCommands comman
 
     buildMenu(std::move(commands), strings);
     buildContentArea();
-    adjustSize();
 }
 
 SettingsWindow::~SettingsWindow() {
@@ -84,8 +83,7 @@ void SettingsWindow::buildContentArea() {
     contentLayout_ = new QStackedLayout(contentArea);
     contentLayout_->setStackingMode(QStackedLayout::StackAll);
     setCentralWidget(contentArea);
-    const QSize frame = sizeHint() - contentArea->minimumSize();
-    resize(initialContentSize + QSize(0, frame.height()));
+    resize(initialSize);
 }
 
 QAction* SettingsWindow::toolbarAction(std::size_t index) const {

@@ -1,0 +1,76 @@
+#include "desktop/program.h"
+
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
+#include <chrono>
+#include <cstdlib>
+
+#include "desktop/application_service.h"
+#include "desktop/dbus_notification_center.h"
+#include "desktop/end_deadline.h"
+#include "desktop/program_application.h"
+#include "desktop/running_program.h"
+#include "desktop/session_bus.h"
+#include "desktop/unix_signals.h"
+#include "platform/system/standard_error_log.h"
+
+namespace corvane {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+/// Together less than the limit for the whole end.
+constexpr milliseconds sendLimit{300};
+constexpr milliseconds workLimit{250};
+
+/// The toolkit's own few texts, such as a text field's menu.
+void installToolkitTexts(QTranslator& texts) {
+    if (texts.load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                   QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&texts);
+}
+
+}  // namespace
+
+int runProgram(int argc, char** argv, const BuildSettings& buildSettings) {
+    ProgramApplication toolkit(argc, argv);
+    QTranslator toolkitTexts;
+    installToolkitTexts(toolkitTexts);
+
+    StandardErrorLog log;
+    EndDeadline endDeadline(log);
+    SessionBus bus(log);
+    DbusNotificationCenter distributedCenter(bus, log);
+    // Calls from the bus come from the event loop, and so not before there is a delegate.
+    AppDelegate* delegate = nullptr;
+    ApplicationService service(bus, log, [&delegate] { delegate->applicationShouldHandleReopen(); });
+
+    bus.join();
+    const ApplicationService::Start start = service.start();
+    if (start == ApplicationService::Start::ActivatedOther)
+        return EXIT_SUCCESS;
+
+    RunningProgram program(buildSettings, {log, distributedCenter, endDeadline});
+    if (start == ApplicationService::Start::OwnsName)
+        program.removeLeftOvers();
+    delegate = &program.delegate();
+    const auto terminate = [&program] { program.application().terminate(); };
+    toolkit.setQuitHandler(terminate);
+    const UnixSignals signals(terminate);
+
+    program.delegate().applicationDidFinishLaunching();
+    const int status = ProgramApplication::exec();
+
+    // What was announced goes out first, and then the name, so that whoever asks from now on starts the
+    // program anew.
+    distributedCenter.flush(sendLimit);
+    service.stop();
+    bus.leave();
+    if (!program.stopWork(workLimit))
+        std::_Exit(status);
+    return status;
+}
+
+}  // namespace corvane
