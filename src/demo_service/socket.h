@@ -30,6 +30,7 @@ class Socket {
     /// Closes with a reset instead of an orderly end.
     void reset();
     void close() { descriptor_.close(); }
+    bool isOpen() const { return descriptor_.isOpen(); }
 
   private:
     bool waitFor(short events, std::optional<std::chrono::milliseconds> time);

@@ -70,6 +70,10 @@ bool TlsStream::write(ByteView bytes) {
 }
 
 void TlsStream::close() {
+    // After a reset the number of the descriptor may be another connection's already.
+    if (!socket_.isOpen()) {
+        return;
+    }
     // Only our farewell is sent; waiting for the client's would let a silent client hold the thread.
     ERR_clear_error();
     SSL_shutdown(tls_.get());
