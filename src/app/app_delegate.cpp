@@ -26,7 +26,8 @@ std::string describe(const DistributedNotification& notification) {
     return "{ name = " + notification.name + "; object = " + object + " }";
 }
 
-std::unique_ptr<TabView> required(std::unique_ptr<TabView> view, std::string_view name) {
+template <typename View>
+std::unique_ptr<View> required(std::unique_ptr<View> view, std::string_view name) {
     if (!view)
         fatalError(formatText("the interface file %@ is missing", {name}));
     return view;
@@ -43,9 +44,12 @@ void AppDelegate::applicationDidFinishLaunching() {
     tabs.push_back(std::make_shared<SettingsGeneralViewController>(
         required(files.loadGeneralView(), "SettingsGeneralViewController"), strings_));
     tabs.push_back(std::make_shared<SettingsAccountsViewController>(
-        required(files.loadAccountsView(), "SettingsAccountsViewController"), strings_));
+        required(files.loadAccountsView(), "SettingsAccountsViewController"),
+        SettingsAccountsViewController::Collaborators{with_.settings, with_.alerts,
+                                                      with_.importWindow.notificationCenter, strings_}));
     tabs.push_back(std::make_shared<SettingsPreferencesViewController>(
-        required(files.loadPreferencesView(), "SettingsPreferencesViewController"), strings_));
+        required(files.loadPreferencesView(), "SettingsPreferencesViewController"),
+        SettingsPreferencesViewController::Collaborators{with_.settings, with_.alerts, strings_, log_}));
 
     settingsWindowController_ = std::make_unique<SettingsWindowController>(
         [&files](SettingsWindowEvents& events) { return files.loadSettingsWindow(events); });
@@ -58,6 +62,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     with_.importWindow.distributedNotificationCenter.addObserver(
         kReloadDataDistributedNotification,
         [this](const DistributedNotification& notification) { corvaneReloadData(notification); });
+    checkForUpdates();
 }
 
 bool AppDelegate::applicationShouldHandleReopen() {
@@ -99,6 +104,15 @@ void AppDelegate::startAutoimportWithOptions(const std::optional<AutoImportOptio
     updateWindow_ = window;
     if (settingsWindowController_ && settingsWindowController_->window() != nullptr)
         settingsWindowController_->window()->beginSheet(window);
+}
+
+void AppDelegate::checkForUpdates() {
+    with_.updateCheck.checkForUpdates();
+}
+
+void AppDelegate::parsedUpdateFile(const std::string& version, const std::string& description,
+                                   const std::string& downloadLink) {
+    with_.updateCheck.parsedUpdateFile(version, description, downloadLink);
 }
 
 void AppDelegate::showNoAccountsAlert() {

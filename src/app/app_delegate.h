@@ -8,6 +8,7 @@
 #include "app/interface_files.h"
 #include "app/notification_names.h"
 #include "app/report_update_view_controller.h"
+#include "app/update_check.h"
 #include "platform/alerts.h"
 #include "platform/distributed_notification_center.h"
 #include "settings/settings_manger.h"
@@ -24,6 +25,7 @@ class AppDelegate {
         SettingsManger& settings;
         InterfaceFiles& interfaceFiles;
         Alerts& alerts;
+        UpdateCheck& updateCheck;
         const ReportUpdateViewController::Collaborators& importWindow;
     };
 
@@ -32,8 +34,8 @@ class AppDelegate {
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
 
-    /// Builds and shows the settings window and starts to listen for import requests. A tab that cannot be
-    /// loaded is fatal.
+    /// Builds and shows the settings window, starts to listen for import requests and checks for updates. A
+    /// tab that cannot be loaded is fatal.
     void applicationDidFinishLaunching();
 
     /// Shows the settings window. False: the caller has nothing more to do.
@@ -48,6 +50,13 @@ class AppDelegate {
 
     /// A host application's request. One whose object cannot be read is a request without options.
     void corvaneReloadData(const DistributedNotification& notification);
+
+    /// Looks for a newer version in the background and returns at once.
+    void checkForUpdates();
+
+    /// Offers the download of the version that the update feed publishes, when it is a newer one.
+    void parsedUpdateFile(const std::string& version, const std::string& description,
+                          const std::string& downloadLink);
 
     /// Null before the launch.
     SettingsWindowController* settingsWindowController() const { return settingsWindowController_.get(); }

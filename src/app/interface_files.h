@@ -4,6 +4,8 @@
 #include <string_view>
 
 #include "app/report_update_view.h"
+#include "settings_window/accounts_view.h"
+#include "settings_window/preferences_view.h"
 #include "settings_window/settings_window_view.h"
 
 namespace corvane {
@@ -19,9 +21,9 @@ class InterfaceFiles {
     /// The General tab's view ("SettingsGeneralViewController").
     virtual std::unique_ptr<TabView> loadGeneralView() = 0;
     /// The Accounts tab's view ("SettingsAccountsViewController").
-    virtual std::unique_ptr<TabView> loadAccountsView() = 0;
+    virtual std::unique_ptr<AccountsView> loadAccountsView() = 0;
     /// The Advanced tab's view ("SettingsPreferencesViewController").
-    virtual std::unique_ptr<TabView> loadPreferencesView() = 0;
+    virtual std::unique_ptr<PreferencesView> loadPreferencesView() = 0;
     /// The settings window ("SettingsWindowController").
     virtual std::unique_ptr<SettingsWindowView> loadSettingsWindow(SettingsWindowEvents& events) = 0;
     /// The import window's content ("ReportUpdateViewController").

@@ -15,12 +15,12 @@ std::unique_ptr<TabView> QtInterfaceFiles::loadGeneralView() {
     return std::make_unique<QtTabView>(new GeneralTab(facts_, strings_));
 }
 
-std::unique_ptr<TabView> QtInterfaceFiles::loadAccountsView() {
-    return std::make_unique<QtTabView>(new QWidget);
+std::unique_ptr<AccountsView> QtInterfaceFiles::loadAccountsView() {
+    return nullptr;
 }
 
-std::unique_ptr<TabView> QtInterfaceFiles::loadPreferencesView() {
-    return std::make_unique<QtTabView>(new QWidget);
+std::unique_ptr<PreferencesView> QtInterfaceFiles::loadPreferencesView() {
+    return nullptr;
 }
 
 std::unique_ptr<SettingsWindowView> QtInterfaceFiles::loadSettingsWindow(SettingsWindowEvents& events) {

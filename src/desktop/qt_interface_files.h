@@ -16,8 +16,8 @@ class QtInterfaceFiles final : public InterfaceFiles {
     QtInterfaceFiles(const LocalizedStrings& strings, ProgramFacts facts, MenuCommands commands);
 
     std::unique_ptr<TabView> loadGeneralView() override;
-    std::unique_ptr<TabView> loadAccountsView() override;
-    std::unique_ptr<TabView> loadPreferencesView() override;
+    std::unique_ptr<AccountsView> loadAccountsView() override;
+    std::unique_ptr<PreferencesView> loadPreferencesView() override;
     std::unique_ptr<SettingsWindowView> loadSettingsWindow(SettingsWindowEvents& events) override;
     std::unique_ptr<ReportUpdateView> loadReportUpdateView() override;
 

@@ -2,11 +2,9 @@
 
 #include <gtest/gtest.h>
 
-namespace corvane {
+#include "support/fake_accounts_view.h"
 
-void PrintTo(const AccountSelectionCell& cell, std::ostream* out) {
-    *out << '"' << cell.title << "\" over \"" << cell.subtitle << '"';
-}
+namespace corvane {
 
 namespace {
 

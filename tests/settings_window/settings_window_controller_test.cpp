@@ -7,10 +7,15 @@
 #include <string>
 #include <vector>
 
+#include "platform/memory/in_memory_key_value_store.h"
+#include "platform/memory/in_memory_log.h"
+#include "platform/memory/scripted_alerts.h"
 #include "platform/memory/source_language_strings.h"
 #include "settings_window/settings_accounts_view_controller.h"
 #include "settings_window/settings_general_view_controller.h"
 #include "settings_window/settings_preferences_view_controller.h"
+#include "support/fake_accounts_view.h"
+#include "support/fake_preferences_view.h"
 #include "support/fake_settings_window.h"
 
 namespace corvane {
@@ -221,10 +226,18 @@ TEST(SettingsWindowControllerWithoutWindowTest, SwitchesTabsWithoutShowingThem) 
 
 TEST(SettingsTabsTest, HaveTheirIdentity) {
     const SourceLanguageStrings strings;
-    const auto view = [] { return std::make_unique<test::FakeTabView>("view"); };
-    const SettingsGeneralViewController general(view(), strings);
-    const SettingsAccountsViewController accounts(view(), strings);
-    const SettingsPreferencesViewController advanced(view(), strings);
+    InMemoryKeyValueStore defaults;
+    SettingsManger settings(defaults);
+    ScriptedAlerts alerts;
+    NotificationCenter notificationCenter;
+    InMemoryLog log;
+    const SettingsGeneralViewController general(std::make_unique<test::FakeTabView>("view"), strings);
+    const SettingsAccountsViewController accounts(
+        std::make_unique<test::FakeAccountsView>(),
+        SettingsAccountsViewController::Collaborators{settings, alerts, notificationCenter, strings});
+    const SettingsPreferencesViewController advanced(
+        std::make_unique<test::FakePreferencesView>(),
+        SettingsPreferencesViewController::Collaborators{settings, alerts, strings, log});
     EXPECT_EQ(general.toolbarIdentifier(), "settingsGeneralIdentifier");
     EXPECT_EQ(general.toolbarTitle(), "General");
     EXPECT_EQ(general.toolbarIcon(), "NSImageNamePreferencesGeneral");

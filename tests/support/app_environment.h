@@ -7,9 +7,13 @@
 #include "app/app_delegate.h"
 #include "app/interface_files.h"
 #include "app/report_update_view_controller.h"
+#include "platform/memory/in_memory_bundle.h"
 #include "platform/memory/in_memory_distributed_notification_center.h"
 #include "platform/memory/recording_application.h"
+#include "platform/memory/recording_workspace.h"
 #include "support/engine_environment.h"
+#include "support/fake_accounts_view.h"
+#include "support/fake_preferences_view.h"
 #include "support/fake_settings_window.h"
 
 namespace corvane::test {
@@ -50,9 +54,11 @@ class FakeImportWindow final : public FakeSheetWindow {
 /// Makes fakes, and leaves out what a test lists as missing.
 class FakeInterfaceFiles final : public InterfaceFiles {
   public:
-    std::unique_ptr<TabView> loadGeneralView() override { return tabView("General"); }
-    std::unique_ptr<TabView> loadAccountsView() override { return tabView("Accounts"); }
-    std::unique_ptr<TabView> loadPreferencesView() override { return tabView("Advanced"); }
+    std::unique_ptr<TabView> loadGeneralView() override { return make<FakeTabView>("General"); }
+    std::unique_ptr<AccountsView> loadAccountsView() override { return make<FakeAccountsView>("Accounts"); }
+    std::unique_ptr<PreferencesView> loadPreferencesView() override {
+        return make<FakePreferencesView>("Advanced");
+    }
 
     std::unique_ptr<SettingsWindowView> loadSettingsWindow(SettingsWindowEvents& events) override {
         if (missing == "SettingsWindow")
@@ -75,8 +81,9 @@ class FakeInterfaceFiles final : public InterfaceFiles {
     std::vector<std::shared_ptr<FakeImportWindow>> importWindows;
 
   private:
-    std::unique_ptr<TabView> tabView(const std::string& name) const {
-        return missing == name ? nullptr : std::make_unique<FakeTabView>(name);
+    template <typename View>
+    std::unique_ptr<View> make(const std::string& name) const {
+        return missing == name ? nullptr : std::make_unique<View>(name);
     }
 };
 
@@ -88,7 +95,18 @@ struct AppEnvironment : EngineEnvironment {
     FakeInterfaceFiles interfaceFiles;
     ReportUpdateViewController::Collaborators importWindow{
         manager, files, mainQueue, notificationCenter, distributedCenter, application, strings, log};
-    AppDelegate delegate{{settings, interfaceFiles, alerts, importWindow}};
+    std::function<HttpAnswer(const HttpRequest&)> updateFeed = [](const HttpRequest& request) {
+        return HttpAnswer{.response = HttpResponse{.statusCode = 404, .url = request.url, .headers = {}},
+                          .body = Bytes{},
+                          .errorDescription = {}};
+    };
+    ScriptedHttpClient updateClient{[this](const HttpRequest& request) { return updateFeed(request); }};
+    InMemoryBundle bundle{InMemoryBundle::Information{{bundleNameKey, "Corvane"}, {bundleVersionKey, "1.1"}}};
+    RecordingWorkspace workspace;
+    QVApp metadata{bundle, strings};
+    UpdateCheck updateCheck{{"updates.example:8080", updateClient, backgroundQueue, mainQueue, metadata,
+                             alerts, strings, workspace}};
+    AppDelegate delegate{{settings, interfaceFiles, alerts, updateCheck, importWindow}};
 
     /// A host application's request.
     void requestImport(decltype(DistributedNotification::object) object = {}) {

@@ -3,19 +3,29 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "settings_window/settings_window_view.h"
 
 namespace corvane::test {
 
-class FakeTabView final : public TabView {
+/// The name under which a fake settings window knows a fake tab.
+class Named {
   public:
-    explicit FakeTabView(std::string name) : name_(std::move(name)) {}
+    explicit Named(std::string name) : name_(std::move(name)) {}
     const std::string& name() const { return name_; }
+
+  protected:
+    virtual ~Named() = default;
 
   private:
     std::string name_;
+};
+
+class FakeTabView final : public TabView, public Named {
+  public:
+    using Named::Named;
 };
 
 /// A sheet that knows whether it is on a window.
@@ -86,7 +96,7 @@ class FakeSettingsWindow final : public SettingsWindowView {
     const std::vector<std::shared_ptr<SheetWindow>>& sheets() const { return sheets_; }
 
   private:
-    static std::string nameOf(TabView& view) { return dynamic_cast<FakeTabView&>(view).name(); }
+    static std::string nameOf(TabView& view) { return dynamic_cast<const Named&>(view).name(); }
     static std::ptrdiff_t offset(std::size_t index) { return static_cast<std::ptrdiff_t>(index); }
 
     SettingsWindowEvents& events_;
