@@ -31,6 +31,12 @@ bool readText(std::string_view text, std::string& value) {
     return !text.empty();
 }
 
+bool readHostName(std::string_view text, std::string& name) {
+    constexpr std::string_view kOfNames = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-.";
+    name = text;
+    return !text.empty() && text.find_first_not_of(kOfNames) == std::string_view::npos;
+}
+
 bool readLatency(std::string_view text, std::chrono::milliseconds& latency) {
     constexpr unsigned kOneHour = 3'600'000;
     unsigned number = 0;
@@ -83,6 +89,8 @@ const std::vector<Option>& optionsWithArgument() {
          [](Text text, CommandLine& line) { return readText(text, line.accountsFile); }},
         {"--tls", "VARIANT", "trusted, self-signed, wrong-host, expired or tls1.1",
          [](Text text, CommandLine& line) { return readTlsVariant(text, line.tls); }},
+        {"--host-name", "NAME", "a name besides localhost for which the certificate holds",
+         [](Text text, CommandLine& line) { return readHostName(text, line.hostName); }},
         {"--latency", "MS", "milliseconds before each answer",
          [](Text text, CommandLine& line) { return readLatency(text, line.latency); }},
         {"--report-size", "BYTES", "about that many bytes per report before packing",

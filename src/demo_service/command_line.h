@@ -20,6 +20,7 @@ struct CommandLine {
     std::string caFile{};        ///< empty: not written
     std::string accountsFile{};  ///< empty: every sign-in is right
     TlsVariant tls = TlsVariant::trusted;
+    std::string hostName{};  ///< empty: the certificate has only this machine's names
     std::chrono::milliseconds latency{0};
     std::size_t reportSize = 0;  ///< 0: the source's default
     std::string scenario{};      ///< empty: ordinary work

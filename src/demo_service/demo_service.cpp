@@ -93,7 +93,7 @@ std::string localHost(std::uint16_t port) {
 }  // namespace
 
 std::unique_ptr<DemoService> DemoService::start(DemoServiceOptions options, std::string& problem) {
-    auto tls = makeTlsSetup(options.tls);
+    auto tls = makeTlsSetup(options.tls, options.hostName);
     if (!tls) {
         problem = "cannot make a certificate";
         return nullptr;

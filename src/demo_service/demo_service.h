@@ -40,6 +40,7 @@ struct DemoServiceOptions {
     bool keepsRequests = true;                 ///< false for a service that runs long and is never asked
     std::uint16_t port = 0;                    ///< of the report service; 0: any free one
     std::uint16_t updatePort = 0;              ///< of the update feed
+    std::string hostName{};                    ///< one more name in a right certificate, or empty
 };
 
 /// A report service on this machine: TLS, the form, the answers and, on request, every failure that a client

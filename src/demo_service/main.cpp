@@ -87,7 +87,8 @@ DemoServiceOptions optionsOf(const CommandLine& line, std::vector<DemoAccount> a
                                .latency = line.latency,
                                .keepsRequests = false,
                                .port = line.port,
-                               .updatePort = line.updatePort};
+                               .updatePort = line.updatePort,
+                               .hostName = line.hostName};
     if (line.reportSize > 0) {
         options.source = std::make_shared<MadeUpReportSource>(line.reportSize);
     }

@@ -8,19 +8,24 @@ namespace corvane::demo {
 
 namespace {
 
-constexpr LeafDescription kThisMachine{.commonName = "localhost",
-                                       .alternativeNames = "DNS:localhost,IP:127.0.0.1,IP:::1"};
+constexpr std::string_view kNamesOfThisMachine = "DNS:localhost,IP:127.0.0.1,IP:::1";
 constexpr LeafDescription kAnotherHost{.commonName = "elsewhere.example",
                                        .alternativeNames = "DNS:elsewhere.example"};
 constexpr LeafDescription kUntilYesterday{.commonName = "localhost",
-                                          .alternativeNames = "DNS:localhost,IP:127.0.0.1,IP:::1",
+                                          .alternativeNames = kNamesOfThisMachine,
                                           .validFromDays = -30,
                                           .validUntilDays = -1};
 
-std::optional<Identity> makeServerIdentity(TlsVariant variant, const Identity& authority) {
+std::optional<Identity> makeServerIdentity(TlsVariant variant, std::string_view hostName,
+                                           const Identity& authority) {
+    std::string names(kNamesOfThisMachine);
+    if (!hostName.empty()) {
+        names.append(",DNS:").append(hostName);
+    }
+    const LeafDescription thisMachine{.commonName = "localhost", .alternativeNames = names};
     switch (variant) {
         case TlsVariant::selfSigned:
-            return makeSelfSignedLeaf(kThisMachine);
+            return makeSelfSignedLeaf(thisMachine);
         case TlsVariant::wrongHost:
             return makeLeaf(kAnotherHost, authority);
         case TlsVariant::expired:
@@ -29,7 +34,7 @@ std::optional<Identity> makeServerIdentity(TlsVariant variant, const Identity& a
         case TlsVariant::tls11:
             break;
     }
-    return makeLeaf(kThisMachine, authority);
+    return makeLeaf(thisMachine, authority);
 }
 
 bool limitProtocol(SSL_CTX& context, TlsVariant variant) {
@@ -45,12 +50,12 @@ bool limitProtocol(SSL_CTX& context, TlsVariant variant) {
 
 }  // namespace
 
-std::optional<TlsSetup> makeTlsSetup(TlsVariant variant) {
+std::optional<TlsSetup> makeTlsSetup(TlsVariant variant, std::string_view hostName) {
     const auto authority = makeAuthority();
     if (!authority) {
         return std::nullopt;
     }
-    const auto server = makeServerIdentity(variant, *authority);
+    const auto server = makeServerIdentity(variant, hostName, *authority);
     TlsSetup setup{TlsContextPointer(SSL_CTX_new(TLS_server_method())), pemOf(*authority->certificate)};
     if (!server || !setup.context || setup.caCertificate.empty() ||
         SSL_CTX_use_certificate(setup.context.get(), server->certificate.get()) != 1 ||

@@ -25,32 +25,13 @@ TEST(CommandLine, AsksForNothingByDefault) {
 }
 
 TEST(CommandLine, ReadsEveryOption) {
-    const Arguments arguments{"--port",
-                              "8443",
-                              "--update-port",
-                              "65535",
-                              "--ca-file",
-                              "/x/ca.pem",
-                              "--accounts",
-                              "/x/a.tsv",
-                              "--tls",
-                              "expired",
-                              "--latency",
-                              "250",
-                              "--report-size",
-                              "500000",
-                              "--scenario",
-                              "stall",
-                              "--every",
-                              "7",
-                              "--feed-version",
-                              "2.0",
-                              "--feed-notes",
-                              "Better.",
-                              "--feed-link",
-                              "https://x",
-                              "--die-with-parent",
-                              "--help"};
+    const Arguments arguments{"--port",         "8443",      "--update-port",     "65535",
+                              "--ca-file",      "/x/ca.pem", "--accounts",        "/x/a.tsv",
+                              "--tls",          "expired",   "--host-name",       "reports.example",
+                              "--latency",      "250",       "--report-size",     "500000",
+                              "--scenario",     "stall",     "--every",           "7",
+                              "--feed-version", "2.0",       "--feed-notes",      "Better.",
+                              "--feed-link",    "https://x", "--die-with-parent", "--help"};
     std::string problem;
     const auto line = parseCommandLine(arguments, problem);
     ASSERT_TRUE(line) << problem;
@@ -59,6 +40,7 @@ TEST(CommandLine, ReadsEveryOption) {
     EXPECT_EQ(line->caFile, "/x/ca.pem");
     EXPECT_EQ(line->accountsFile, "/x/a.tsv");
     EXPECT_EQ(line->tls, TlsVariant::expired);
+    EXPECT_EQ(line->hostName, "reports.example");
     EXPECT_EQ(line->latency, 250ms);
     EXPECT_EQ(line->reportSize, 500'000U);
     EXPECT_EQ(line->scenario, "stall");
@@ -84,6 +66,8 @@ TEST(CommandLine, RefusesWhatMakesNoSense) {
         {"--ca-file", ""},
         {"--tls", "tls1.2"},
         {"--scenario", "unknown"},
+        {"--host-name", ""},
+        {"--host-name", "a,DNS:b"},
         {"--report-size", "0"},
     };
     for (const Arguments& row : rows) {

@@ -177,6 +177,29 @@ TEST(DemoService, IsRefusedWithABadCertificate) {
         << "the system does not know the authority";
 }
 
+TEST(DemoService, CanHaveACertificateForAnotherName) {
+    // Names that end in .localhost are always this machine's.
+    struct Row {
+        std::string hostName;
+        std::string host;
+        CURLcode result;
+    };
+    const Row rows[] = {
+        {"", "reports.localhost", CURLE_PEER_FAILED_VERIFICATION},
+        {"reports.localhost", "reports.localhost", CURLE_OK},
+        {"reports.localhost", "localhost", CURLE_OK},
+        {"reports.localhost", "elsewhere.localhost", CURLE_PEER_FAILED_VERIFICATION},
+    };
+    for (const Row& row : rows) {
+        const auto service = startService({.hostName = row.hostName});
+        const std::string url =
+            "https://" + row.host + ":" + std::to_string(service->port()) + "/autoingestion.tft?";
+        CurlClient client(service->caCertificate());
+        EXPECT_EQ(client.post(url, formFor("1", "Daily", "20150104")).result, row.result)
+            << row.host << " with the name " << row.hostName;
+    }
+}
+
 TEST(DemoService, SpeaksTheProtocolVersionOfItsVariant) {
     const auto old = startService({.tls = TlsVariant::tls11});
     EXPECT_EQ(RawTlsClient(old->port()).protocol(), "TLSv1.1");
