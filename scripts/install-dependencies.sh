@@ -1,6 +1,7 @@
 #!/bin/sh
 # Installs what building and testing Corvane needs on Debian 12, as root or through sudo. Quick and silent when nothing
 # is missing. What each package is for: docs/dependencies.md.
+#   install-dependencies.sh [PACKAGE...]   further packages
 set -eu
 
 packages="
@@ -9,6 +10,8 @@ libcurl4-openssl-dev libssl-dev zlib1g-dev nlohmann-json3-dev libutfcpp-dev libf
 qt6-base-dev libgl-dev libqt6svg6 ca-certificates tzdata
 libgtest-dev libgmock-dev libplist-dev python3 clang-format
 dbus-bin dbus-daemon libglib2.0-bin xvfb xauth fonts-dejavu-core imagemagick procps
+appstream desktop-file-utils mandoc systemd
+$*
 "
 
 missing=""

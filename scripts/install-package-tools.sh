@@ -3,4 +3,4 @@
 # missing.
 set -eu
 cd "$(dirname "$0")"
-exec ./install-dependencies.sh build-essential debhelper dpkg-dev fakeroot git lintian
+exec ./install-dependencies.sh build-essential debhelper dpkg-dev git lintian
