@@ -35,8 +35,9 @@ struct Job {
 using SharedJob = std::shared_ptr<const Job>;
 
 struct Answer {
-    ReportResult result;
-    std::optional<std::string> rejectedSignIn;  // the service's message
+    ReportResult result{};
+    std::optional<std::string> rejectedSignIn{};  // the service's message
+    bool isCancelled = false;                     // the program ends
 };
 
 // The queue's tasks are copyable, a report's bytes are not to be copied: the tasks share one delivery.
@@ -90,6 +91,8 @@ HttpRequest requestFor(const Job& job, Date date, std::string url) {
 
 // Only the suggested name tells a report from a refusal; the status code does not count.
 Answer classify(HttpAnswer answer, Log& log) {
+    if (answer.isCancelled)
+        return {.isCancelled = true};
     if (!answer.body) {
         log.log(formatText("failed to get data:%@", {answer.errorDescription}));
         log.log("no data");
@@ -124,6 +127,8 @@ void askForAllDates(const SharedJob& job) {
     for (std::size_t i = 0; i < count; ++i) {
         const Date date = job->dates[i];
         Answer answer = ask(*job, date);
+        if (answer.isCancelled)
+            return;
         answer.result.reportDate = date;
         answer.result.isLastReport = i + 1 == count;
         // The message first: whoever handles the result finds it in place.

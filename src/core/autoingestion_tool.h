@@ -64,7 +64,8 @@ class AutoingestionTool {
     /// Asks for each date in list order, one after the other, on one job of the background queue; returns at
     /// once. The report handler gets one result for each date asked, and one more, the closing call, for an
     /// empty list (succeeded) and after a rejected sign-in, which ends the list (not succeeded). Without a
-    /// vendor ID: one log line and no call at all. Neither handler may be empty; both live until the job's
+    /// vendor ID: one log line and no call at all. A job whose HTTP client is
+    /// asked to stop ends without a further call. Neither handler may be empty; both live until the job's
     /// last call.
     void requestReports(std::vector<Date> dates, AutoingestionToolDateType dateType,
                         ReportHandler reportHandler, LoginErrorHandler loginErrorHandler) const;

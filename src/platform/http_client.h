@@ -42,6 +42,7 @@ struct HttpAnswer {
     std::optional<HttpResponse> response;
     std::optional<Bytes> body;     ///< absent after a transport failure; an empty body is present and empty
     std::string errorDescription;  ///< why the body is absent, for a person; empty otherwise
+    bool isCancelled = false;      ///< the client was asked to stop: nobody waits for the answer any more
 };
 
 /// Sends requests. May be used from several threads at once. An HTTP status is no failure: whatever the

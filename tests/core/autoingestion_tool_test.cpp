@@ -249,6 +249,16 @@ TEST_F(AutoingestionToolTest, LogsATransportFailureAndGoesOn) {
     EXPECT_THAT(log_.lines(), ElementsAre("failed to get data:Could not connect to the server.", "no data"));
 }
 
+TEST_F(AutoingestionToolTest, EndsQuietlyWhenTheProgramEnds) {
+    HttpAnswer cancelled = transportFailure("cancelled");
+    cancelled.isCancelled = true;
+    answerInOrder({reportNamed("S_D_1.txt.gz"), cancelled});
+    request({firstDate, secondDate, thirdDate});
+    finish();
+    EXPECT_THAT(calls_, SizeIs(1));
+    EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
 TEST_F(AutoingestionToolTest, LogsTextsThatLookLikeFormatsAsTheyAre) {
     callsFor(transportFailure("100%@ %i %s %2$@"));
     EXPECT_THAT(log_.lines(), ElementsAre("failed to get data:100%@ %i %s %2$@", "no data"));

@@ -632,7 +632,9 @@ TEST_F(CurlHttpClientTest, sendsNothingOnceStopped) {
     LoopbackServer server(answerAll);
     CurlHttpClient client(options());
     client.stop();
-    expectFailure(client.sendSynchronousRequest(get(server.origin() + "/")), "cancelled");
+    const HttpAnswer late = client.sendSynchronousRequest(get(server.origin() + "/"));
+    expectFailure(late, "cancelled");
+    EXPECT_TRUE(late.isCancelled);
     EXPECT_EQ(server.connectionCount(), 0U);
 }
 

@@ -139,6 +139,7 @@ HttpAnswer CurlConnection::send(const HttpRequest& request) {
         answer.body = std::move(body_);
     } else {
         answer.errorDescription = describeFailure(code);
+        answer.isCancelled = outcome_ == Outcome::Stopped;
     }
     body_ = {};
     return answer;

@@ -80,7 +80,7 @@ HttpAnswer CurlHttpClient::sendSynchronousRequest(const HttpRequest& request) {
     const SigpipeBlocker blocker;
     std::unique_ptr<CurlConnection> connection = pool_->take();
     if (!connection)
-        return {std::nullopt, std::nullopt, "cancelled"};
+        return {.response = {}, .body = {}, .errorDescription = "cancelled", .isCancelled = true};
     HttpAnswer answer = connection->send(request);
     pool_->giveBack(std::move(connection));
     return answer;
