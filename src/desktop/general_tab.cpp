@@ -1,7 +1,7 @@
 #include "desktop/general_tab.h"
 
 #include <QFont>
-#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
 #include <QVBoxLayout>
@@ -52,9 +52,10 @@ GeneralTab::GeneralTab(const ProgramFacts& facts, const LocalizedStrings& string
     folder->setAccessibleName(folderLabel->text());
 
     auto* texts = new QVBoxLayout;
+    texts->setSpacing(fontMetrics().height() / 4);
     texts->addWidget(name);
     texts->addWidget(versionText);
-    texts->addSpacing(2 * texts->spacing() + fontMetrics().height());
+    texts->addSpacing(fontMetrics().height());
     texts->addWidget(folderLabel);
     texts->addWidget(folder);
     texts->addStretch(1);

@@ -1,6 +1,7 @@
 #include "desktop/import_sheet.h"
 
 #include <QCloseEvent>
+#include <QFrame>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -25,13 +26,18 @@ ImportSheet::ImportSheet(std::shared_ptr<ReportUpdateViewController> controller,
     : controller_(std::move(controller)), content_(content), dialog_(std::make_unique<SheetDialog>()) {
     dialog_->setObjectName("importSheet");
     dialog_->setWindowModality(Qt::WindowModal);
+    // Tells the sheet from its window also where the desktop draws no frame around it.
+    auto* frame = new QFrame(dialog_.get());
+    frame->setFrameStyle(static_cast<int>(QFrame::StyledPanel) | static_cast<int>(QFrame::Raised));
+    auto* inside = new QVBoxLayout(frame);
+    inside->addWidget(content);
     auto* layout = new QVBoxLayout(dialog_.get());
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(content);
+    layout->addWidget(frame);
 }
 
 ImportSheet::~ImportSheet() {
-    if (!content_.isNull() && content_->parentWidget() == dialog_.get())
+    if (!content_.isNull() && dialog_->isAncestorOf(content_))
         content_->setParent(nullptr);
 }
 

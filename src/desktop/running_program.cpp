@@ -32,8 +32,9 @@ RunningProgram::RunningProgram(const BuildSettings& buildSettings, const Surroun
       httpClient_({.caFile = buildSettings.caFile}),
       alerts_(strings_),
       application_(mainQueue_, alerts_, surroundings.endDeadline, endLimit),
+      reportServiceLog_(surroundings.log),
       reportService_{buildSettings.reportServiceHost, httpClient_, mainQueue_, backgroundQueue_,
-                     surroundings.log},
+                     reportServiceLog_},
       reportUpdateManager_({settings_, reportService_, fileManager_, clock_, alerts_, strings_}),
       interfaceFiles_(strings_, facts(), menuCommands()),
       importWindow_{reportUpdateManager_,
@@ -64,6 +65,7 @@ void RunningProgram::removeLeftOvers() {
 }
 
 bool RunningProgram::stopWork(std::chrono::milliseconds limit) {
+    reportServiceLog_.silence();
     httpClient_.stop();
     return backgroundQueue_.stop(limit);
 }

@@ -10,6 +10,7 @@
 #include "desktop/qt_interface_files.h"
 #include "desktop/qt_main_queue.h"
 #include "desktop/qt_workspace.h"
+#include "desktop/silenceable_log.h"
 #include "engine/report_update_manager.h"
 #include "platform/notification_center.h"
 #include "platform/system/curl_http_client.h"
@@ -69,6 +70,7 @@ class RunningProgram {
     QtAlerts alerts_;
     QtWorkspace workspace_;
     QtApplication application_;
+    SilenceableLog reportServiceLog_;  ///< requests that the program's end cuts off are no failures
     const ReportServiceConnection reportService_;
     ReportUpdateManager reportUpdateManager_;
     QtInterfaceFiles interfaceFiles_;
