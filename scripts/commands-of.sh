@@ -1,0 +1,14 @@
+#!/bin/sh
+# Prints the commands of a document, as they are written: its blocks between "```sh" and "```", or with a heading's text as
+# the second argument the indented blocks below that heading.
+#   commands-of.sh DOCUMENT [HEADING]
+set -eu
+case "$#" in
+    1) awk '/^ *```sh$/ { shows = 1; next } /^ *```$/ { shows = 0 } shows { sub(/^ +/, ""); print }' "$1" ;;
+    2) awk -v heading="$2" '/^#/ { text = $0; sub(/^#+ /, "", text); shows = text == heading; next }
+           shows && /^    / { sub(/^ +/, ""); print }' "$1" ;;
+    *)
+        echo "usage: commands-of.sh DOCUMENT [HEADING]" >&2
+        exit 2
+        ;;
+esac

@@ -1,0 +1,41 @@
+#!/bin/sh
+# A part of try-package.sh: in a network of its own, lets this machine be the report service and the update host in the eyes
+# of the system in SYSTEM, and runs try-package-inside.sh there as the user tester.
+#   try-package-isolated.sh DEMO_SERVICE SYSTEM
+set -eu
+service=$1
+system=$2
+report_host=reportingitc.apple.com
+authority=$system/usr/local/share/ca-certificates/demo-authority.crt
+inside() { chroot "$system" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 "$@"; }
+
+ip link set lo up
+
+cp "$system/etc/hosts" "$system/etc/hosts.before" 2>/dev/null || : >"$system/etc/hosts.before"
+"$service" --port 443 --update-port 80 --host-name "$report_host" --ca-file "$authority" >"$system/tmp/service" &
+service_process=$!
+clean_up() {
+    kill "$service_process" 2>/dev/null || true
+    mv "$system/etc/hosts.before" "$system/etc/hosts"
+    rm -f "$authority"
+    inside update-ca-certificates --fresh >/dev/null 2>&1
+}
+trap clean_up EXIT
+trap 'exit 1' INT TERM
+
+printf '127.0.0.1 localhost %s updates.corvane.invalid\n' "$report_host" >"$system/etc/hosts"
+tries=50
+until grep -q READY=1 "$system/tmp/service"; do
+    tries=$((tries - 1))
+    [ "$tries" -gt 0 ] || { echo "try-package.sh: the demo service does not start" >&2; exit 1; }
+    sleep 0.1
+done
+inside update-ca-certificates >/dev/null 2>&1
+
+mkdir -p "$system/tmp/.X11-unix"
+chmod 1777 "$system/tmp/.X11-unix"
+chroot "$system" mkdir -p -m 700 /tmp/tester-run
+chroot "$system" chown -R tester:tester /tmp/tester-run /tmp/try
+chroot --userspec=tester:tester "$system" /usr/bin/env -i PATH=/usr/bin:/bin HOME=/home/tester USER=tester LC_ALL=C.UTF-8 \
+    XDG_RUNTIME_DIR=/tmp/tester-run xvfb-run --auto-servernum --server-args="-screen 0 1280x800x24 -nolisten tcp" \
+    dbus-run-session -- sh /tmp/try/try-package-inside.sh
