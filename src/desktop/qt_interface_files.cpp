@@ -2,8 +2,10 @@
 
 #include <utility>
 
+#include "desktop/accounts_tab.h"
 #include "desktop/import_sheet.h"
 #include "desktop/import_view.h"
+#include "desktop/preferences_tab.h"
 #include "desktop/qt_tab_view.h"
 
 namespace corvane {
@@ -12,15 +14,15 @@ QtInterfaceFiles::QtInterfaceFiles(const LocalizedStrings& strings, ProgramFacts
     : strings_(strings), facts_(std::move(facts)), commands_(std::move(commands)) {}
 
 std::unique_ptr<TabView> QtInterfaceFiles::loadGeneralView() {
-    return std::make_unique<QtTabView>(new GeneralTab(facts_, strings_));
+    return std::make_unique<QtPlainTabView>(new GeneralTab(facts_, strings_));
 }
 
 std::unique_ptr<AccountsView> QtInterfaceFiles::loadAccountsView() {
-    return nullptr;
+    return std::make_unique<AccountsTab>(strings_);
 }
 
 std::unique_ptr<PreferencesView> QtInterfaceFiles::loadPreferencesView() {
-    return nullptr;
+    return std::make_unique<PreferencesTab>(strings_);
 }
 
 std::unique_ptr<SettingsWindowView> QtInterfaceFiles::loadSettingsWindow(SettingsWindowEvents& events) {

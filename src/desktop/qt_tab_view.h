@@ -5,16 +5,26 @@
 
 namespace corvane {
 
-/// A tab's content as a widget.
-class QtTabView : public TabView {
+/// The widget of a tab's view. Every TabView of the desktop is one as well.
+class QtTabView {
   public:
     /// Takes the widget over.
     explicit QtTabView(QWidget* widget) : widget_(widget) {}
+    virtual ~QtTabView() = default;
+
+    QtTabView(const QtTabView&) = delete;
+    QtTabView& operator=(const QtTabView&) = delete;
 
     QWidget* widget() const { return widget_.get(); }
 
   private:
     WidgetHolder<QWidget> widget_;
+};
+
+/// A tab of which the logic asks nothing.
+class QtPlainTabView final : public TabView, public QtTabView {
+  public:
+    using QtTabView::QtTabView;
 };
 
 }  // namespace corvane

@@ -45,7 +45,10 @@ RunningProgram::RunningProgram(const BuildSettings& buildSettings, const Surroun
                     application_,
                     strings_,
                     surroundings.log},
-      delegate_({settings_, interfaceFiles_, alerts_, importWindow_}) {
+      metadata_(bundle_, strings_),
+      updateCheck_({buildSettings.updateHost, httpClient_, backgroundQueue_, mainQueue_, metadata_, alerts_,
+                    strings_, workspace_}),
+      delegate_({settings_, interfaceFiles_, alerts_, updateCheck_, importWindow_}) {
     SettingsManger::setSharedManager(&settings_);
     ReportUpdateManager::setSharedManager(&reportUpdateManager_);
     alerts_.setParentWindow([this] { return interfaceFiles_.settingsWindow(); });

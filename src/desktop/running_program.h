@@ -75,6 +75,8 @@ class RunningProgram {
     ReportUpdateManager reportUpdateManager_;
     QtInterfaceFiles interfaceFiles_;
     const ReportUpdateViewController::Collaborators importWindow_;
+    const QVApp metadata_;
+    UpdateCheck updateCheck_;
     AppDelegate delegate_;
 };
 

@@ -131,14 +131,14 @@ void SettingsWindow::setSelectedToolbarItem(const std::string& identifier) {
 }
 
 void SettingsWindow::addContent(TabView& view) {
-    QWidget* widget = static_cast<QtTabView&>(view).widget();
+    QWidget* widget = dynamic_cast<QtTabView&>(view).widget();
     contentLayout_->addWidget(widget);
     contentLayout_->setCurrentWidget(widget);
     widget->show();
 }
 
 void SettingsWindow::removeContent(TabView& view) {
-    QWidget* widget = static_cast<QtTabView&>(view).widget();
+    QWidget* widget = dynamic_cast<QtTabView&>(view).widget();
     contentLayout_->removeWidget(widget);
     widget->setParent(nullptr);
 }

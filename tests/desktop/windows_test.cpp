@@ -22,8 +22,10 @@
 #include "desktop/import_view.h"
 #include "desktop/qt_interface_files.h"
 #include "desktop/qt_tab_view.h"
+#include "platform/memory/in_memory_bundle.h"
 #include "platform/memory/in_memory_distributed_notification_center.h"
 #include "platform/memory/recording_application.h"
+#include "platform/memory/recording_workspace.h"
 #include "support/engine_environment.h"
 
 namespace corvane {
@@ -90,7 +92,13 @@ class WindowsTest : public testing::Test, protected test::EngineEnvironment {
          [this] { commands.emplace_back("quit"); }}};
     ReportUpdateViewController::Collaborators importWindow{
         manager, files, mainQueue, notificationCenter, distributedCenter, application, strings, log};
-    AppDelegate delegate{{settings, interfaceFiles, alerts, importWindow}};
+    ScriptedHttpClient updateClient{[](const HttpRequest&) { return test::answerWithTransportFailure(); }};
+    InMemoryBundle bundle{InMemoryBundle::Information{{bundleVersionKey, "1.1"}}};
+    RecordingWorkspace workspace;
+    QVApp metadata{bundle, strings};
+    UpdateCheck updateCheck{
+        {"updates.example", updateClient, backgroundQueue, mainQueue, metadata, alerts, strings, workspace}};
+    AppDelegate delegate{{settings, interfaceFiles, alerts, updateCheck, importWindow}};
 };
 
 TEST_F(WindowsTest, ShowsTheTabsInOrderAndTheGeneralTabFirst) {

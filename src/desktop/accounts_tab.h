@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QLineEdit>
+#include <QListView>
+#include <QPushButton>
+#include <array>
+
+#include "desktop/accounts_table_model.h"
+#include "desktop/qt_tab_view.h"
+#include "platform/localized_strings.h"
+#include "settings_window/accounts_view.h"
+
+class QGraphicsOpacityEffect;
+
+namespace corvane {
+
+/// The Accounts tab's content: the table with its buttons, and the fields beside it.
+class AccountsTab final : public AccountsView, public QtTabView {
+  public:
+    explicit AccountsTab(const LocalizedStrings& strings);
+
+    void setEvents(AccountsViewEvents* events) override;
+
+    int selectedRow() const override;
+    void selectRow(int row) override;
+    void reloadTable() override;
+    void reloadRow(int row) override;
+    void endEditing() override;
+
+    std::string text(AccountField field) const override;
+    void setText(AccountField field, const std::string& text) override;
+    void setEnabled(AccountField field, bool isEnabled) override;
+    void setDetailAlpha(double alpha) override;
+    void setRemoveButtonEnabled(bool isEnabled) override;
+
+  private:
+    struct Field {
+        QLineEdit* widget = nullptr;
+        QString textSentLast;  ///< set here, or told of by its action
+    };
+
+    QWidget* makeTable(const LocalizedStrings& strings);
+    QWidget* makeDetails(const LocalizedStrings& strings);
+    void sendAction(AccountField field);
+    Field& fieldOf(AccountField field) { return fields_.at(static_cast<std::size_t>(field)); }
+
+    AccountsViewEvents* events_ = nullptr;
+    AccountsTableModel* model_ = nullptr;
+    QListView* table_ = nullptr;
+    QPushButton* removeButton_ = nullptr;
+    QGraphicsOpacityEffect* detailOpacity_ = nullptr;
+    std::array<Field, 4> fields_;
+    QObject connections_;  // goes first: the widgets may send signals while they are destroyed
+};
+
+}  // namespace corvane
