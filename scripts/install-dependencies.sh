@@ -10,7 +10,7 @@ libcurl4-openssl-dev libssl-dev zlib1g-dev nlohmann-json3-dev libutfcpp-dev libf
 qt6-base-dev libgl-dev libqt6svg6 ca-certificates tzdata
 libgtest-dev libgmock-dev libplist-dev python3 clang-format
 dbus-bin dbus-daemon libglib2.0-bin xvfb xauth fonts-dejavu-core imagemagick procps
-appstream desktop-file-utils mandoc systemd
+appstream desktop-file-utils mandoc qt6-wayland systemd weston
 $*
 "
 

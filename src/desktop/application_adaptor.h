@@ -4,7 +4,8 @@
 #include <QDBusContext>
 #include <QStringList>
 #include <QVariantMap>
-#include <functional>
+
+#include "desktop/application_commands.h"
 
 namespace corvane {
 
@@ -14,20 +15,20 @@ class ApplicationAdaptor final : public QDBusAbstractAdaptor {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
   public:
-    /// Speaks for the parent, whose context the calls come in; `activate` brings the program to the front.
-    ApplicationAdaptor(QObject* parent, const QDBusContext& context, std::function<void()> activate);
+    /// Speaks for the parent, whose context the calls come in.
+    ApplicationAdaptor(QObject* parent, const QDBusContext& context, ApplicationCommands commands);
 
   public Q_SLOTS:
     void Activate(const QVariantMap& platform_data);
     /// The program opens no files, so this only activates it.
     void Open(const QStringList& uris, const QVariantMap& platform_data);
-    /// There are no actions: always an error.
+    /// The caller gets an error when there is no such action.
     void ActivateAction(const QString& action_name, const QVariantList& parameter,
                         const QVariantMap& platform_data);
 
   private:
     const QDBusContext& context_;
-    std::function<void()> activate_;
+    const ApplicationCommands commands_;
 };
 
 }  // namespace corvane

@@ -35,6 +35,15 @@ QDBusMessage requestName() {
     return call;
 }
 
+/// Hands on the permission to come to the front that this process was started with.
+QVariantMap platformData() {
+    QVariantMap data;
+    const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
+    if (!token.isEmpty())
+        data.insert(QStringLiteral("activation-token"), token);
+    return data;
+}
+
 bool grantsName(const QDBusMessage& reply) {
     const uint answer = reply.arguments().value(0).toUInt();
     return answer == primaryOwner || answer == alreadyOwner;
@@ -42,9 +51,9 @@ bool grantsName(const QDBusMessage& reply) {
 
 }  // namespace
 
-ApplicationService::ApplicationService(SessionBus& bus, Log& log, std::function<void()> activate)
+ApplicationService::ApplicationService(SessionBus& bus, Log& log, ApplicationCommands commands)
     : bus_(bus), log_(log) {
-    new ApplicationAdaptor(this, *this, std::move(activate));
+    new ApplicationAdaptor(this, *this, std::move(commands));
 }
 
 ApplicationService::Start ApplicationService::start() {
@@ -90,7 +99,7 @@ ApplicationService::Claim ApplicationService::claimName() {
 bool ApplicationService::activateOwner() {
     QDBusMessage call = QDBusMessage::createMethodCall(
         name(), objectPath(), QStringLiteral("org.freedesktop.Application"), QStringLiteral("Activate"));
-    call << QVariantMap();
+    call << platformData();
     call.setAutoStartService(false);
     const QDBusMessage reply = bus_.connection().call(call, QDBus::Block, answerTimeout);
     if (reply.type() == QDBusMessage::ReplyMessage)

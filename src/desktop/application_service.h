@@ -2,8 +2,8 @@
 
 #include <QDBusContext>
 #include <QObject>
-#include <functional>
 
+#include "desktop/application_commands.h"
 #include "desktop/session_bus.h"
 #include "platform/log.h"
 
@@ -22,8 +22,8 @@ class ApplicationService final : public QObject, public QDBusContext {
         ActivatedOther,  ///< another process owns the name, and was brought to the front
     };
 
-    /// Bus and log must outlive the service; `activate` is called for each activation by others.
-    ApplicationService(SessionBus& bus, Log& log, std::function<void()> activate);
+    /// Bus and log must outlive the service; the commands are what others on the bus may tell the program.
+    ApplicationService(SessionBus& bus, Log& log, ApplicationCommands commands);
 
     /// Once. Blocks until the bus has answered.
     Start start();

@@ -7,9 +7,11 @@
 #include <cstdlib>
 
 #include "desktop/application_service.h"
+#include "desktop/command_line.h"
 #include "desktop/dbus_notification_center.h"
 #include "desktop/end_deadline.h"
 #include "desktop/program_application.h"
+#include "desktop/qt_text.h"
 #include "desktop/running_program.h"
 #include "desktop/session_bus.h"
 #include "desktop/unix_signals.h"
@@ -32,10 +34,22 @@ void installToolkitTexts(QTranslator& texts) {
         QCoreApplication::installTranslator(&texts);
 }
 
+/// The actions have the names that the menu entry gives them.
+ApplicationCommands busCommands(RunningProgram*& running) {
+    return {.activate = [&running] { running->delegate().applicationShouldHandleReopen(); },
+            .actions = {{QStringLiteral("check-for-updates"),
+                         [&running] { running->menuCommands().checkForUpdates(); }},
+                        {QStringLiteral("open-reports-folder"),
+                         [&running] { running->menuCommands().openReportsFolder(); }},
+                        {QStringLiteral("quit"), [&running] { running->menuCommands().quit(); }}}};
+}
+
 }  // namespace
 
 int runProgram(int argc, char** argv, const BuildSettings& buildSettings) {
     ProgramApplication toolkit(argc, argv);
+    if (const QStringList unknown = ProgramApplication::arguments().mid(1); !unknown.isEmpty())
+        return giveAnswer(refusalOf(toUtf8(unknown.first())));
     QTranslator toolkitTexts;
     installToolkitTexts(toolkitTexts);
 
@@ -43,9 +57,9 @@ int runProgram(int argc, char** argv, const BuildSettings& buildSettings) {
     EndDeadline endDeadline(log);
     SessionBus bus(log);
     DbusNotificationCenter distributedCenter(bus, log);
-    // Calls from the bus come from the event loop, and so not before there is a delegate.
-    AppDelegate* delegate = nullptr;
-    ApplicationService service(bus, log, [&delegate] { delegate->applicationShouldHandleReopen(); });
+    // Calls from the bus come from the event loop, and so not before there is a program.
+    RunningProgram* running = nullptr;
+    ApplicationService service(bus, log, busCommands(running));
 
     bus.join();
     const ApplicationService::Start start = service.start();
@@ -55,7 +69,7 @@ int runProgram(int argc, char** argv, const BuildSettings& buildSettings) {
     RunningProgram program(buildSettings, {log, distributedCenter, endDeadline});
     if (start == ApplicationService::Start::OwnsName)
         program.removeLeftOvers();
-    delegate = &program.delegate();
+    running = &program;
     const auto terminate = [&program] { program.application().terminate(); };
     toolkit.setQuitHandler(terminate);
     const UnixSignals signals(terminate);

@@ -81,7 +81,8 @@ ProgramFacts RunningProgram::facts() const {
 }
 
 MenuCommands RunningProgram::menuCommands() {
-    return {.openReportsFolder = [this] { openReportsFolder(); },
+    return {.checkForUpdates = [this] { delegate_.checkForUpdates(); },
+            .openReportsFolder = [this] { openReportsFolder(); },
             .showAbout = [this] { showAbout(); },
             .quit = [this] { application_.terminate(); }};
 }

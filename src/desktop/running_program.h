@@ -44,6 +44,9 @@ class RunningProgram {
     /// name: another one may be writing.
     void removeLeftOvers();
 
+    /// What the menu offers; the bus does as well.
+    MenuCommands menuCommands();
+
     AppDelegate& delegate() { return delegate_; }
     Application& application() { return application_; }
 
@@ -52,7 +55,6 @@ class RunningProgram {
 
   private:
     ProgramFacts facts() const;
-    MenuCommands menuCommands();
     void openReportsFolder();
     void showAbout();
 

@@ -72,6 +72,7 @@ void SettingsWindow::buildMenu(MenuCommands commands, const LocalizedStrings& st
     quit->setShortcutContext(Qt::ApplicationShortcut);
 
     QMenu& help = *menuBar()->addMenu(localized("&Help"));
+    addAction(help, "checkForUpdates", "&Check for Updates", std::move(commands.checkForUpdates));
     addAction(help, "about", "&About", std::move(commands.showAbout));
 }
 

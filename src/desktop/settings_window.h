@@ -15,6 +15,7 @@ namespace corvane {
 
 /// What the menu's entries do.
 struct MenuCommands {
+    std::function<void()> checkForUpdates;
     std::function<void()> openReportsFolder;
     std::function<void()> showAbout;
     std::function<void()> quit;

@@ -35,7 +35,11 @@ struct Program {
     SessionBus bus{log};
     DbusNotificationCenter center{bus, log};
     int activations = 0;
-    ApplicationService service{bus, log, [this] { ++activations; }};
+    int quits = 0;
+    ApplicationService service{
+        bus,
+        log,
+        {.activate = [this] { ++activations; }, .actions = {{QStringLiteral("quit"), [this] { ++quits; }}}}};
     std::vector<DistributedNotification> received;
 
     /// On the bus, and known to it as a listener.
@@ -287,7 +291,25 @@ TEST_F(BusTest, AnswersTheDesktopsApplicationInterface) {
     const QDBusMessage refusal = call(caller, applicationCall("ActivateAction")
                                                   << QStringLiteral("x") << QVariantList() << QVariantMap());
     EXPECT_EQ(refusal.errorName(), "org.freedesktop.DBus.Error.InvalidArgs");
+    EXPECT_EQ(program.quits, 0);
+    EXPECT_EQ(call(caller, applicationCall("ActivateAction")
+                               << QStringLiteral("quit") << QVariantList() << QVariantMap())
+                  .type(),
+              QDBusMessage::ReplyMessage);
+    EXPECT_EQ(program.quits, 1);
     EXPECT_EQ(program.activations, 2);
+}
+
+TEST_F(BusTest, TakesThePermissionToComeToTheFront) {
+    constexpr const char* variable = "XDG_ACTIVATION_TOKEN";
+    Program program;
+    program.join();
+    ASSERT_EQ(program.service.start(), ApplicationService::Start::OwnsName);
+    call(host(), applicationCall("Activate") << QVariantMap{{QStringLiteral("activation-token"), "token 1"}});
+    EXPECT_EQ(qEnvironmentVariable(variable), "token 1");
+    call(host(), applicationCall("Activate") << QVariantMap());
+    EXPECT_EQ(qEnvironmentVariable(variable), "token 1") << "none is no other one";
+    qunsetenv(variable);
 }
 
 TEST_F(BusTest, DescribesItselfAsItsInterfaceFileSays) {

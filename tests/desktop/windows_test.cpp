@@ -85,11 +85,12 @@ class WindowsTest : public testing::Test, protected test::EngineEnvironment {
     NotificationCenter notificationCenter;
     InMemoryDistributedNotificationCenter distributedCenter;
     RecordingApplication application;
-    QtInterfaceFiles interfaceFiles{
-        strings,
-        {"Corvane", "1.2.3", "/home/somebody/ToImport"},
-        {[this] { commands.emplace_back("folder"); }, [this] { commands.emplace_back("about"); },
-         [this] { commands.emplace_back("quit"); }}};
+    QtInterfaceFiles interfaceFiles{strings,
+                                    {"Corvane", "1.2.3", "/home/somebody/ToImport"},
+                                    {.checkForUpdates = [this] { commands.emplace_back("updates"); },
+                                     .openReportsFolder = [this] { commands.emplace_back("folder"); },
+                                     .showAbout = [this] { commands.emplace_back("about"); },
+                                     .quit = [this] { commands.emplace_back("quit"); }}};
     ReportUpdateViewController::Collaborators importWindow{
         manager, files, mainQueue, notificationCenter, distributedCenter, application, strings, log};
     ScriptedHttpClient updateClient{[](const HttpRequest&) { return test::answerWithTransportFailure(); }};
@@ -205,9 +206,10 @@ TEST_F(WindowsTest, TellsBeforeItHidesAndAfterItIsShownAndNothingWhenMinimised) 
 TEST_F(WindowsTest, OffersTheCommandsInItsMenu) {
     delegate.applicationDidFinishLaunching();
     trigger("openReportsFolder");
+    trigger("checkForUpdates");
     trigger("about");
     trigger("quit");
-    EXPECT_THAT(commands, ElementsAre("folder", "about", "quit"));
+    EXPECT_THAT(commands, ElementsAre("folder", "updates", "about", "quit"));
     EXPECT_EQ(window().findChild<QAction*>("quit")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
 }
 
