@@ -64,7 +64,7 @@ AlertDialog::AlertDialog(const Alert& alert, QWidget* parent)
         addTextField(*alert.accessory, *column);
 
     auto* upperPart = new QHBoxLayout;
-    upperPart->setSpacing(upperPart->spacing() * 2);
+    upperPart->setSpacing(fontMetrics().height());
     upperPart->addWidget(icon, 0, Qt::AlignTop);
     upperPart->addLayout(column, 1);
 
@@ -79,8 +79,8 @@ AlertDialog::AlertDialog(const Alert& alert, QWidget* parent)
 
 void AlertDialog::addTexts(const Alert& alert, QBoxLayout& column) {
     const int width = fontMetrics().averageCharWidth() * textWidthInCharacters;
-    const int highestText = screen()->availableGeometry().height() / 3;
-    const auto addText = [&](const std::string& content, const char* name, bool isBold) {
+    const int screenHeight = screen()->availableGeometry().height();
+    const auto addText = [&](const std::string& content, const char* name, bool isBold, int highestText) {
         auto* text = new ReadOnlyText(toQString(content), this);
         text->setObjectName(name);
         text->setAccessibleName(toQString(content));
@@ -95,9 +95,9 @@ void AlertDialog::addTexts(const Alert& alert, QBoxLayout& column) {
         text->setFocusPolicy(scrolls ? Qt::StrongFocus : Qt::ClickFocus);
         column.addWidget(text);
     };
-    addText(alert.messageText, "alertMessageText", true);
+    addText(alert.messageText, "alertMessageText", true, screenHeight / 4);
     if (!alert.informativeText.empty())
-        addText(alert.informativeText, "alertInformativeText", false);
+        addText(alert.informativeText, "alertInformativeText", false, screenHeight / 2);
     column.addStretch(1);
 }
 

@@ -60,6 +60,8 @@ int runProgram(int argc, char** argv, const BuildSettings& buildSettings) {
     // Calls from the bus come from the event loop, and so not before there is a program.
     RunningProgram* running = nullptr;
     ApplicationService service(bus, log, busCommands(running));
+    // Before the name is there: whoever sees the name may also ask the program to end.
+    const UnixSignals signals([&running] { running->application().terminate(); });
 
     bus.join();
     const ApplicationService::Start start = service.start();
@@ -72,7 +74,6 @@ int runProgram(int argc, char** argv, const BuildSettings& buildSettings) {
     running = &program;
     const auto terminate = [&program] { program.application().terminate(); };
     toolkit.setQuitHandler(terminate);
-    const UnixSignals signals(terminate);
 
     program.delegate().applicationDidFinishLaunching();
     const int status = ProgramApplication::exec();
