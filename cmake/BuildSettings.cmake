@@ -10,6 +10,7 @@ option(CORVANE_BUILD_DESKTOP "Build the Qt desktop program; OFF builds and tests
 # For developers.
 option(CORVANE_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
 set(CORVANE_SANITIZERS "" CACHE STRING "Comma-separated list for -fsanitize=, for example address,undefined")
+option(CORVANE_BUILD_FUZZERS "Build the fuzz targets with Clang's libFuzzer (the fuzz preset)" OFF)
 
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
