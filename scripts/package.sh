@@ -15,9 +15,10 @@ scripts/install-package-tools.sh
 
 version=$(dpkg-parsechangelog -l packaging/debian/changelog -S Version)
 upstream=${version%-*}
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-trap 'exit 1' INT TERM
+# Always the same folder, which lets a compiler cache help.
+work=$PWD/build/package-work
+rm -rf "$work"
+mkdir -p "$work"
 
 git archive --prefix="corvane-$upstream/" -o "$work/corvane_$upstream.orig.tar.gz" HEAD
 tar -xf "$work/corvane_$upstream.orig.tar.gz" -C "$work"
@@ -28,4 +29,5 @@ cp -a packaging/debian "$work/corvane-$upstream/debian"
 rm -rf "$target"
 mkdir -p "$target"
 find "$work" -maxdepth 1 -type f -exec cp -t "$target" {} +
+rm -rf "$work"
 ls "$target"/*.deb
