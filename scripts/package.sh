@@ -1,7 +1,7 @@
 #!/bin/sh
 # Builds the Debian package out of the last commit, running the tests on the way, and lets lintian judge it.
 #   scripts/package.sh [FOLDER]    puts the files into FOLDER, by default build/package
-# CORVANE_CMAKE_ARGUMENTS in the environment goes to CMake, see README.md for the settings; DEB_BUILD_OPTIONS as ever.
+# CORVANE_CMAKE_ARGUMENTS in the environment goes to CMake, see docs/packaging.md for the settings; DEB_BUILD_OPTIONS as ever.
 set -eu
 cd "$(dirname "$0")/.."
 case "${1:-}" in
@@ -26,8 +26,8 @@ cp -a packaging/debian "$work/corvane-$upstream/debian"
 (cd "$work/corvane-$upstream" && dpkg-buildpackage -us -uc)
 (cd "$work" && lintian --fail-on error,warning "corvane_${version}_$(dpkg --print-architecture).changes")
 
-rm -rf "$target"
 mkdir -p "$target"
+rm -f "$target"/corvane_* "$target"/corvane-dbgsym_*
 find "$work" -maxdepth 1 -type f -exec cp -t "$target" {} +
 rm -rf "$work"
 ls "$target"/*.deb

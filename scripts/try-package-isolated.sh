@@ -11,12 +11,14 @@ inside() { chroot "$system" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin L
 
 ip link set lo up
 
-cp "$system/etc/hosts" "$system/etc/hosts.before" 2>/dev/null || : >"$system/etc/hosts.before"
+[ ! -e "$system/etc/hosts" ] || cp "$system/etc/hosts" "$system/etc/hosts.before"
+: >"$system/tmp/service"
 "$service" --port 443 --update-port 80 --host-name "$report_host" --ca-file "$authority" >"$system/tmp/service" &
 service_process=$!
 clean_up() {
     kill "$service_process" 2>/dev/null || true
-    mv "$system/etc/hosts.before" "$system/etc/hosts"
+    rm "$system/etc/hosts"
+    [ ! -e "$system/etc/hosts.before" ] || mv "$system/etc/hosts.before" "$system/etc/hosts"
     rm -f "$authority"
     inside update-ca-certificates --fresh >/dev/null 2>&1
 }

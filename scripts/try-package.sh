@@ -88,9 +88,14 @@ unshare --net scripts/try-package-isolated.sh "$build/src/demo_service/corvane-d
     fail "the package does not work"
 
 say "Removing the package"
-inside apt-get purge -y -qq --autoremove corvane >"$work/apt.log" 2>&1 || { cat "$work/apt.log" >&2; fail "apt failed"; }
+# By itself apt keeps what came along when anything else installed would recommend it.
+inside apt-get purge -y -qq --autoremove -o APT::AutoRemove::RecommendsImportant=false \
+    -o APT::AutoRemove::SuggestsImportant=false corvane >"$work/apt.log" 2>&1 || { cat "$work/apt.log" >&2; fail "apt failed"; }
 list_files >"$work/after"
-diff "$work/before" "$work/after" || fail "the system is not as it was"
+if ! diff "$work/before" "$work/after" >"$work/difference"; then
+    head -n 50 "$work/difference" >&2
+    fail "the system is not as it was"
+fi
 named=$(find "$system" -xdev \( -path "$system/proc" -o -path "$system/dev" -o -path "$system/tmp" -o -path "$system/home" \) \
     -prune -o -iname '*corvane*' -print)
 [ -z "$named" ] || fail "left behind: $named"
