@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <future>
@@ -401,6 +402,33 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(TooLongCase{"announced", "HTTP/1.1 200 OK\r\nContent-Length: 10000000000\r\n\r\n"},
                       TooLongCase{"chunked", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"},
                       TooLongCase{"up to the end", "HTTP/1.1 200 OK\r\n\r\n"}));
+
+TEST_F(CurlHttpClientTest, boundsWhatAllUnfinishedAnswersTakeTogether) {
+    std::atomic<bool> isEndless = true;
+    LoopbackServer server([&isEndless](ServerConnection& connection) {
+        connection.readRequest();
+        if (!isEndless) {
+            connection.sendOk(std::string(100'000, 'x'));
+            return;
+        }
+        connection.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
+        const std::string chunk = "400\r\n" + std::string(1024, 'x') + "\r\n";
+        while (connection.send(chunk)) {
+        }
+    });
+    CurlHttpClientOptions narrow = options();
+    narrow.maximumUnfinishedVolume = 400'000;
+    CurlHttpClient client(narrow);
+    const auto ask = [&] { return client.sendSynchronousRequest(get(server.origin() + "/")); };
+    std::vector<std::future<HttpAnswer>> answers;
+    for (int index = 0; index < 4; ++index)
+        answers.push_back(std::async(std::launch::async, ask));
+    for (std::future<HttpAnswer>& answer : answers)
+        expectFailure(answer.get(), "The answer is too long.");
+    // What they held is free again.
+    isEndless = false;
+    EXPECT_EQ(bodyText(ask()).size(), 100'000U);
+}
 
 TEST_F(CurlHttpClientTest, takesABodyOfExactlyTheLongestSize) {
     LoopbackServer server([](ServerConnection& connection) {

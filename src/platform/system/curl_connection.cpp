@@ -111,12 +111,13 @@ std::string describe(CURLcode code, long systemError) {
 }  // namespace
 
 CurlConnection::CurlConnection(const CurlHttpClientOptions& options, const CurlShare& share,
-                               const std::atomic<bool>& isStopped)
+                               VolumeBudget& unfinishedBodies, const std::atomic<bool>& isStopped)
     : options_(options),
       isStopped_(isStopped),
       noProxy_(hostsWithoutProxy()),
       easy_(curl_easy_init()),
-      multi_(curl_multi_init()) {
+      multi_(curl_multi_init()),
+      body_(unfinishedBodies) {
     if (!easy_ || !multi_ || curl_easy_setopt(easy_.get(), CURLOPT_SHARE, share.get()) != CURLE_OK)
         fatalError("the HTTP library cannot make a connection");
 }
@@ -127,7 +128,7 @@ void CurlConnection::wakeUp() {
 
 HttpAnswer CurlConnection::send(const HttpRequest& request) {
     headerVolume_ = 0;
-    body_ = {};
+    body_.start(request.maximumBodySize);
     outcome_ = Outcome::Ended;
     CURLcode code = prepare(request);
     if (code == CURLE_OK)
@@ -136,17 +137,16 @@ HttpAnswer CurlConnection::send(const HttpRequest& request) {
     HttpAnswer answer;
     if (code == CURLE_OK) {
         answer.response = readResponse();
-        answer.body = std::move(body_);
+        answer.body = body_.take();
     } else {
         answer.errorDescription = describeFailure(code);
         answer.isCancelled = outcome_ == Outcome::Stopped;
     }
-    body_ = {};
+    body_.start(0);
     return answer;
 }
 
 CURLcode CurlConnection::prepare(const HttpRequest& request) {
-    maximumBodySize_ = request.maximumBodySize;
     curl_easy_reset(easy_.get());  // keeps connections, TLS sessions and the share
     OptionSetter options(easy_.get());
     options.set(CURLOPT_URL, request.url.c_str());
@@ -269,20 +269,10 @@ std::size_t CurlConnection::receiveHeader(const char* /*data*/, std::size_t size
 std::size_t CurlConnection::receiveBody(const char* data, std::size_t size, std::size_t count, void* self) {
     auto& connection = *static_cast<CurlConnection*>(self);
     const std::size_t length = size * count;
-    if (connection.appendToBody(asBytes({data, length})))
+    if (connection.body_.append(asBytes({data, length})))
         return length;
     connection.outcome_ = Outcome::BodyTooLong;
     return 0;
-}
-
-bool CurlConnection::appendToBody(ByteView bytes) {
-    if (bytes.size() > maximumBodySize_ - body_.size())
-        return false;
-    const std::size_t needed = body_.size() + bytes.size();
-    if (needed > body_.capacity())
-        body_.reserve(std::min(std::max(needed, body_.capacity() * 2), maximumBodySize_));
-    body_.insert(body_.end(), bytes.begin(), bytes.end());
-    return true;
 }
 
 HttpResponse CurlConnection::readResponse() const {

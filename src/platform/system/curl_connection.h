@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/http_client.h"
+#include "platform/system/answer_body.h"
 #include "platform/system/curl_http_client.h"
 #include "platform/system/curl_share.h"
 
@@ -18,7 +19,7 @@ class CurlConnection {
   public:
     /// What it is given must outlive it.
     CurlConnection(const CurlHttpClientOptions& options, const CurlShare& share,
-                   const std::atomic<bool>& isStopped);
+                   VolumeBudget& unfinishedBodies, const std::atomic<bool>& isStopped);
 
     CurlConnection(const CurlConnection&) = delete;
     CurlConnection& operator=(const CurlConnection&) = delete;
@@ -48,7 +49,6 @@ class CurlConnection {
     CURLcode prepareHeaders(const HttpRequest& request);
     CURLcode transfer();
     CURLcode waitForEnd();
-    bool appendToBody(ByteView bytes);
     HttpResponse readResponse() const;
     std::string describeFailure(CURLcode code) const;
 
@@ -60,9 +60,8 @@ class CurlConnection {
 
     // Of the running request.
     std::unique_ptr<curl_slist, ListDeleter> headerLines_;
-    std::size_t maximumBodySize_ = 0;
     std::size_t headerVolume_ = 0;
-    Bytes body_;
+    AnswerBody body_;
     Outcome outcome_ = Outcome::Ended;
 };
 

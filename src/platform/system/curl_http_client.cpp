@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/system/answer_body.h"
 #include "platform/system/curl_connection.h"
 #include "platform/system/curl_share.h"
 #include "platform/system/sigpipe_blocker.h"
@@ -18,7 +19,8 @@ namespace corvane {
 /// few stay in use.
 class CurlHttpClient::Pool {
   public:
-    explicit Pool(CurlHttpClientOptions options) : options_(std::move(options)) {}
+    explicit Pool(CurlHttpClientOptions options)
+        : options_(std::move(options)), unfinishedBodies_(options_.maximumUnfinishedVolume) {}
 
     /// Null after `stop`.
     std::unique_ptr<CurlConnection> take() {
@@ -27,7 +29,7 @@ class CurlHttpClient::Pool {
             return nullptr;
         std::unique_ptr<CurlConnection> connection;
         if (kept_.empty()) {
-            connection = std::make_unique<CurlConnection>(options_, share_, isStopped_);
+            connection = std::make_unique<CurlConnection>(options_, share_, unfinishedBodies_, isStopped_);
         } else {
             connection = std::move(kept_.back());
             kept_.pop_back();
@@ -59,6 +61,7 @@ class CurlHttpClient::Pool {
   private:
     const CurlHttpClientOptions options_;
     CurlShare share_;
+    VolumeBudget unfinishedBodies_;
     std::atomic<bool> isStopped_ = false;
     std::mutex mutex_;
     std::condition_variable noneRunning_;

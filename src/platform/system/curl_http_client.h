@@ -19,6 +19,10 @@ struct CurlHttpClientOptions {
     std::chrono::milliseconds idleLimit{60'000};
     /// Of one request, in bytes: all header lines of all its responses together.
     std::size_t maximumHeaderVolume = std::size_t{256} * 1024;
+    /// Of all requests that are on their way at once: the bodies received so far, in bytes. One that would
+    /// pass it fails as one whose own body is too long. More than the longest body, so that a request alone
+    /// never meets it.
+    std::size_t maximumUnfinishedVolume = std::size_t{80} * 1024 * 1024;
 };
 
 /// HTTP over libcurl: HTTP/1.1 only, TLS 1.2 or newer with certificate and host name checked, no cookies,

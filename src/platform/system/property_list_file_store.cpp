@@ -191,14 +191,20 @@ bool PropertyListFileStore::moveAside() {
 bool PropertyListFileStore::writeFile(const PropertyListDictionary& domain) {
     const Bytes content = writeBinaryPropertyList(domain);
     // What could not be read again would be moved aside at the next start.
-    if (!readPropertyList(content))
-        return false;
+    const std::error_code error =
+        readPropertyList(content) ? writeContent(content) : std::make_error_code(std::errc::file_too_large);
+    if (error)
+        log_.log(formatText("settings file cannot be written:%@", {error.message()}));
+    return !error;
+}
+
+std::error_code PropertyListFileStore::writeContent(ByteView content) {
     const std::filesystem::path folder = path_.parent_path();
-    if (createPrivateFolders(folder))
-        return false;
+    if (const std::error_code error = createPrivateFolders(folder))
+        return error;
     closeFolderToOthers(folder);
     const AtomicFileOptions options{.mode = AtomicFileMode::Private, .folder = AtomicFileFolder::MayBeLink};
-    return !writeFileAtomically(path_, content, options);
+    return writeFileAtomically(path_, content, options);
 }
 
 }  // namespace corvane

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <system_error>
 
 #include "platform/clock.h"
 #include "platform/key_value_store.h"
@@ -28,7 +29,8 @@ class PropertyListFileStore final : public KeyValueStore {
 
     /// Reads the file again and replaces it by one in which the keys assigned since the last success have
     /// their new values; all other keys are as other programs have left them. Without such keys the file is
-    /// only read. When the file has gone, it is written with all that was known.
+    /// only read. When the file has gone, it is written with all that was known. A failed write is logged,
+    /// and leaves the old file as it was.
     bool synchronize() override;
 
   private:
@@ -36,6 +38,7 @@ class PropertyListFileStore final : public KeyValueStore {
     bool readFile();
     bool moveAside();
     bool writeFile(const PropertyListDictionary& domain);
+    std::error_code writeContent(ByteView content);
 
     std::filesystem::path path_;
     Log& log_;
