@@ -61,9 +61,9 @@ mount -t proc proc "$system/proc"
 mount --rbind /dev "$system/dev"
 mount --make-rslave "$system/dev"
 inside apt-get update -qq
-# What a desktop, a developer and this script have: a display, a bus, the tools of the documents' examples, and plutil's
-# stand-in to write settings with.
-install_inside xvfb xauth dbus dbus-x11 libglib2.0-bin python3 procps desktop-file-utils ca-certificates systemd man-db
+# What a desktop, a developer and this script have: a display, a bus, the network's basic files, the tools of the documents'
+# examples, and Python to write settings with.
+install_inside xvfb xauth dbus dbus-x11 netbase libglib2.0-bin python3 procps desktop-file-utils ca-certificates systemd man-db
 inside useradd --create-home --uid 4242 tester
 
 list_files() {
