@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCheckBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
@@ -10,6 +12,7 @@
 #include "platform/localized_strings.h"
 #include "settings_window/accounts_view.h"
 
+class QFormLayout;
 class QGraphicsOpacityEffect;
 
 namespace corvane {
@@ -39,18 +42,31 @@ class AccountsTab final : public AccountsView, public QtTabView {
         QString textSentLast;  ///< set here, or told of by its action
     };
 
-    QWidget* makeTable(const LocalizedStrings& strings);
-    QWidget* makeDetails(const LocalizedStrings& strings);
+    QWidget* makeTableArea();
+    QListView* makeTable(QWidget* area);
+    QLabel* makeHint(QWidget* area);
+    QPushButton* makeButton(const char* name, const std::string& label, void (AccountsTab::*action)());
+    QWidget* makeDetails();
+    void addField(QFormLayout& form, AccountField field, const char* name, const std::string& label);
+    void addShowPassword(QFormLayout& form);
+
+    void addAccount();
+    void removeAccount();
     void sendAction(AccountField field);
+    void sendActionOfChange(AccountField field);
     Field& fieldOf(AccountField field) { return fields_.at(static_cast<std::size_t>(field)); }
 
+    const LocalizedStrings& strings_;
     AccountsViewEvents* events_ = nullptr;
     AccountsTableModel* model_ = nullptr;
     QListView* table_ = nullptr;
+    QLabel* hint_ = nullptr;
     QPushButton* removeButton_ = nullptr;
+    QCheckBox* showPassword_ = nullptr;
     QGraphicsOpacityEffect* detailOpacity_ = nullptr;
     std::array<Field, 4> fields_;
-    QObject connections_;  // goes first: the widgets may send signals while they are destroyed
+    bool hasNewSelection_ = false;  ///< a row was selected from here, not by the user
+    QObject connections_;           // goes first: the widgets may send signals while they are destroyed
 };
 
 }  // namespace corvane

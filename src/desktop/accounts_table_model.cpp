@@ -4,6 +4,10 @@
 
 namespace corvane {
 
+AccountsTableModel::AccountsTableModel(const LocalizedStrings& strings, QObject* parent)
+    : QAbstractListModel(parent),
+      nameOfNamelessRow_(toQString(strings.localizedString("Account without a name", "Accounts tab"))) {}
+
 void AccountsTableModel::setEvents(const AccountsViewEvents* events) {
     events_ = events;
     reload();
@@ -27,10 +31,26 @@ QVariant AccountsTableModel::data(const QModelIndex& index, int role) const {
     // Between a change of the list and its reload the toolkit may still ask for a row that has gone.
     if (!index.isValid() || events_ == nullptr || index.row() >= events_->numberOfRowsInTableView())
         return {};
-    if (role != Qt::DisplayRole)
-        return {};
-    const AccountSelectionCell cell = events_->viewForTableColumn(index.row());
-    return toQString(cell.title + '\n' + cell.subtitle);
+    switch (role) {
+        case Qt::DisplayRole:
+            return toQString(events_->viewForTableColumn(index.row()).title);
+        case SubtitleRole:
+            return toQString(events_->viewForTableColumn(index.row()).subtitle);
+        case Qt::AccessibleTextRole:
+            return accessibleText(events_->viewForTableColumn(index.row()));
+        default:
+            return {};
+    }
+}
+
+QString AccountsTableModel::accessibleText(const AccountSelectionCell& cell) const {
+    QStringList lines;
+    for (const std::string* line : {&cell.title, &cell.subtitle}) {
+        if (const QString text = toQString(*line); !text.trimmed().isEmpty())
+            lines.append(text);
+    }
+    lines.removeDuplicates();
+    return lines.isEmpty() ? nameOfNamelessRow_ : lines.join(QStringLiteral(", "));
 }
 
 }  // namespace corvane

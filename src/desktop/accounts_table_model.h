@@ -2,14 +2,17 @@
 
 #include <QAbstractListModel>
 
+#include "platform/localized_strings.h"
 #include "settings_window/accounts_view.h"
 
 namespace corvane {
 
-/// The rows of the accounts table as the toolkit asks for them. A row's e-mail stands below its name.
+/// The rows of the accounts table as the toolkit asks for them: the title is the text of a row.
 class AccountsTableModel final : public QAbstractListModel {
   public:
-    using QAbstractListModel::QAbstractListModel;
+    enum Role { SubtitleRole = Qt::UserRole };
+
+    AccountsTableModel(const LocalizedStrings& strings, QObject* parent);
 
     /// Null: there are no rows.
     void setEvents(const AccountsViewEvents* events);
@@ -20,8 +23,11 @@ class AccountsTableModel final : public QAbstractListModel {
     QVariant data(const QModelIndex& index, int role) const override;
 
   private:
+    QString accessibleText(const AccountSelectionCell& cell) const;
+
     const AccountsViewEvents* events_ = nullptr;
     int rowCount_ = 0;  ///< as of the last reload
+    const QString nameOfNamelessRow_;
 };
 
 }  // namespace corvane

@@ -136,10 +136,15 @@ void SettingsWindow::addContent(TabView& view) {
     contentLayout_->addWidget(widget);
     contentLayout_->setCurrentWidget(widget);
     widget->show();
+    if (!isToolbarInUse_ && widget->focusProxy() != nullptr)
+        widget->setFocus();
 }
 
 void SettingsWindow::removeContent(TabView& view) {
     QWidget* widget = dynamic_cast<QtTabView&>(view).widget();
+    // Asked before the keyboard moves on from the view that goes.
+    const QWidget* focus = focusWidget();
+    isToolbarInUse_ = focus != nullptr && toolbar_->isAncestorOf(focus);
     contentLayout_->removeWidget(widget);
     widget->setParent(nullptr);
 }

@@ -56,6 +56,7 @@ class SettingsWindow final : public QMainWindow, public SettingsWindowView {
     QToolBar* toolbar_;
     QActionGroup* tabs_;
     QStackedLayout* contentLayout_ = nullptr;
+    bool isToolbarInUse_ = false;  ///< who chooses tabs by keyboard in the toolbar stays there
     std::vector<std::shared_ptr<ImportSheet>> sheets_;  ///< in the order in which they were begun
 };
 
