@@ -116,12 +116,13 @@ void AppDelegate::parsedUpdateFile(const std::string& version, const std::string
 }
 
 void AppDelegate::showNoAccountsAlert() {
-    constexpr const char* comment = "Autodownload error message";
     with_.alerts.runModal(
         {.style = AlertStyle::Warning,
-         .messageText = strings_.localizedString("No iTunes-Connect-Accounts", comment),
-         .informativeText = strings_.localizedString("Please enter your iTunes-Connect-Account.", comment),
-         .buttons = {{.title = strings_.localizedString("Close", comment), .isCancel = false}},
+         .messageText = strings_.localizedString("No iTunes-Connect-Accounts", "Autodownload error message"),
+         .informativeText = strings_.localizedString("Please enter your iTunes-Connect-Account.",
+                                                     "Autodownload error message"),
+         .buttons = {{.title = strings_.localizedString("Close", "Autodownload error message"),
+                      .isCancel = false}},
          .accessory = {}});
 }
 

@@ -10,10 +10,12 @@ std::string QVApp::appName() const {
 }
 
 std::string QVApp::longAppName() const {
+    // Translators: a name. Do not translate.
     return strings_.localizedString("Tessaly", "Long App Name");
 }
 
 std::string QVApp::appVersion() const {
+    // Translators: the bare version; updates are found by comparing it. Do not translate.
     return formatText(strings_.localizedString("%@", "about"), {bundleText(bundleVersionKey)});
 }
 

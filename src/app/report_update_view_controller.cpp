@@ -12,7 +12,6 @@ namespace corvane {
 namespace {
 
 constexpr std::chrono::seconds delayBeforeRun{1};
-constexpr const char* comment = "Import window";
 
 }  // namespace
 
@@ -25,7 +24,7 @@ void ReportUpdateViewController::viewDidLoad() {
 }
 
 void ReportUpdateViewController::viewWillAppear() {
-    view_->setDescription(with_.strings.localizedString("Preparing Import...", comment));
+    view_->setDescription(with_.strings.localizedString("Preparing Import...", "Import window"));
 }
 
 void ReportUpdateViewController::viewDidAppear() {
@@ -69,12 +68,12 @@ void ReportUpdateViewController::updateView() {
     double percentage = 0.0;
     if (isDownloadingReports_) {
         view_->setDescription(
-            formatText(with_.strings.localizedString("Downloaded %i of %i reports", comment),
+            formatText(with_.strings.localizedString("Downloaded %i of %i reports", "Import window"),
                        {downloadCounter_, downloadGoal_}));
         percentage = static_cast<double>(downloadCounter_) / static_cast<double>(downloadGoal_) * 100.0;
     }
     view_->setProgressText(
-        formatText(with_.strings.localizedString("%.2f%% completed", comment), {percentage}));
+        formatText(with_.strings.localizedString("%.2f%% completed", "Import window"), {percentage}));
     view_->setProgressValue(percentage);
 }
 

@@ -14,7 +14,6 @@ namespace corvane {
 
 namespace {
 
-constexpr const char* comment = "General tab";
 constexpr int iconSize = 64;
 
 ReadOnlyText* makeText(const QString& text, const char* name, QWidget* parent) {
@@ -29,23 +28,25 @@ ReadOnlyText* makeText(const QString& text, const char* name, QWidget* parent) {
 
 GeneralTab::GeneralTab(const ProgramFacts& facts, const LocalizedStrings& strings) {
     setObjectName("generalTab");
-    const auto localized = [&](const char* key) { return strings.localizedString(key, comment); };
 
     auto* icon = new QLabel(this);
     icon->setPixmap(windowIcon().pixmap(QSize(iconSize, iconSize), devicePixelRatioF()));
 
     auto* name = makeText(facts.name, "programName", this);
-    name->setAccessibleName(toQString(localized("Name")));
+    name->setAccessibleName(toQString(strings.localizedString("Name", "General tab")));
     QFont nameFont = name->font();
     nameFont.setPointSizeF(nameFont.pointSizeF() * 1.6);
     nameFont.setBold(true);
     name->setFont(nameFont);
 
-    const std::string version = formatText(localized("Version %@"), {facts.version.toStdString()});
+    const std::string version =
+        formatText(strings.localizedString("Version %@", "General tab"), {facts.version.toStdString()});
     auto* versionText = makeText(toQString(version), "programVersion", this);
-    versionText->setAccessibleName(toQString(localized("Version")));
+    versionText->setAccessibleName(toQString(strings.localizedString("Version", "General tab")));
 
-    auto* folderLabel = new QLabel(toQString(localized("Imported reports are stored in this folder:")), this);
+    auto* folderLabel = new QLabel(
+        toQString(strings.localizedString("Imported reports are stored in this folder:", "General tab")),
+        this);
     folderLabel->setTextFormat(Qt::PlainText);
     folderLabel->setWordWrap(true);
     auto* folder = makeText(facts.reportsFolder, "reportsFolder", this);

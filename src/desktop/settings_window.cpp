@@ -53,27 +53,28 @@ SettingsWindow::~SettingsWindow() {
 }
 
 void SettingsWindow::buildMenu(MenuCommands commands, const LocalizedStrings& strings) {
-    constexpr const char* comment = "Main menu";
-    const auto localized = [&](const char* key) { return toQString(strings.localizedString(key, comment)); };
-    const auto addAction = [&](QMenu& menu, const char* name, const char* key,
+    const auto addAction = [&](QMenu& menu, const char* name, const std::string& text,
                                std::function<void()> command) {
-        QAction* action = menu.addAction(localized(key));
+        QAction* action = menu.addAction(toQString(text));
         action->setObjectName(name);
         action->setMenuRole(QAction::NoRole);
         connect(action, &QAction::triggered, this, [command = std::move(command)] { command(); });
         return action;
     };
 
-    QMenu& program = *menuBar()->addMenu(localized("&File"));
-    addAction(program, "openReportsFolder", "Open &Folder of Reports", std::move(commands.openReportsFolder));
+    QMenu& program = *menuBar()->addMenu(toQString(strings.localizedString("&File", "Main menu")));
+    addAction(program, "openReportsFolder", strings.localizedString("Open &Folder of Reports", "Main menu"),
+              std::move(commands.openReportsFolder));
     program.addSeparator();
-    QAction* quit = addAction(program, "quit", "&Quit", std::move(commands.quit));
+    QAction* quit =
+        addAction(program, "quit", strings.localizedString("&Quit", "Main menu"), std::move(commands.quit));
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setShortcutContext(Qt::ApplicationShortcut);
 
-    QMenu& help = *menuBar()->addMenu(localized("&Help"));
-    addAction(help, "checkForUpdates", "&Check for Updates", std::move(commands.checkForUpdates));
-    addAction(help, "about", "&About", std::move(commands.showAbout));
+    QMenu& help = *menuBar()->addMenu(toQString(strings.localizedString("&Help", "Main menu")));
+    addAction(help, "checkForUpdates", strings.localizedString("&Check for Updates", "Main menu"),
+              std::move(commands.checkForUpdates));
+    addAction(help, "about", strings.localizedString("&About", "Main menu"), std::move(commands.showAbout));
 }
 
 void SettingsWindow::buildContentArea() {
