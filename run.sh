@@ -23,6 +23,6 @@ ca_file=$PWD/$build/demo-authority.pem
 
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBUILD_TESTING=OFF \
     -DCORVANE_REPORT_SERVICE_HOST="localhost:$service_port" -DCORVANE_UPDATE_HOST="localhost:$update_port" \
-    -DCORVANE_CA_FILE="$ca_file"
+    -DCORVANE_CA_FILE="$ca_file" -DCMAKE_INSTALL_LOCALEDIR="$PWD/$build/locale"
 cmake --build "$build"
 exec scripts/demo.sh "$build" "$service_port" "$update_port" "$ca_file" "$show"

@@ -5,7 +5,7 @@
 set -eu
 
 packages="
-cmake ninja-build g++ gettext
+cmake ninja-build g++ gettext locales
 libcurl4-openssl-dev libssl-dev zlib1g-dev nlohmann-json3-dev libutfcpp-dev libfmt-dev
 qt6-base-dev libgl-dev libqt6svg6 ca-certificates tzdata
 libgtest-dev libgmock-dev libplist-dev python3 clang-format

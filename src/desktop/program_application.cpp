@@ -1,6 +1,7 @@
 #include "desktop/program_application.h"
 
 #include <QEvent>
+#include <clocale>
 
 #include "desktop/build_bundle.h"
 #include "desktop/named_images.h"
@@ -8,6 +9,9 @@
 namespace corvane {
 
 ProgramApplication::ProgramApplication(int& argc, char** argv) : QApplication(argc, argv) {
+    // The toolkit has taken over the user's locale, and with it a decimal comma for whatever reads or writes
+    // numbers through the C library.
+    std::setlocale(LC_NUMERIC, "C");
     setApplicationName(QString::fromLatin1(programName));
     setApplicationDisplayName(QString::fromLatin1(programName));
     setDesktopFileName(QStringLiteral("com.quessartolvinger.Corvane"));

@@ -4,7 +4,6 @@
 
 #include <clocale>
 #include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <string>
 
@@ -50,17 +49,12 @@ class GettextStringsTest : public ::testing::Test {
         const std::filesystem::path folder = folder_.path() / "de" / "LC_MESSAGES";
         std::filesystem::create_directories(folder);
         test::writeFile(folder / "corvane-test.mo",
-                           catalogue({{"", "Content-Type: text/plain; charset=UTF-8\n"},
-                                      {"Accounts", "Zugänge"},
-                                      {"%.2f%% completed", "%.2f%% erledigt"}}));
-        setenv("LANGUAGE", "de", 1);
-        // Any locale but "C" lets LANGUAGE choose; this one is there on every system.
-        EXPECT_NE(std::setlocale(LC_MESSAGES, "C.UTF-8"), nullptr);
+                        catalogue({{"", "Content-Type: text/plain; charset=UTF-8\n"},
+                                   {"Accounts", "Zugänge"},
+                                   {"%.2f%% completed", "%.2f%% erledigt"}}));
+        EXPECT_NE(std::setlocale(LC_MESSAGES, "de_DE.UTF-8"), nullptr) << "the tests' locale is missing";
     }
-    ~GettextStringsTest() override {
-        std::setlocale(LC_MESSAGES, "C");
-        unsetenv("LANGUAGE");
-    }
+    ~GettextStringsTest() override { std::setlocale(LC_MESSAGES, "C"); }
 
     const test::TemporaryFolder folder_;
     const GettextStrings strings_{folder_.path(), "corvane-test"};

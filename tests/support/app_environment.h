@@ -89,6 +89,8 @@ class FakeInterfaceFiles final : public InterfaceFiles {
 
 /// The program without its toolkit.
 struct AppEnvironment : EngineEnvironment {
+    using EngineEnvironment::EngineEnvironment;
+
     NotificationCenter notificationCenter;
     InMemoryDistributedNotificationCenter distributedCenter;
     RecordingApplication application;

@@ -65,6 +65,11 @@ inline HttpAnswer answerWithItsReport(const HttpRequest& request) {
 
 /// The engine with everything around it in memory and a service that a function plays.
 struct EngineEnvironment {
+    explicit EngineEnvironment(
+        std::unique_ptr<LocalizedStrings> texts = std::make_unique<SourceLanguageStrings>())
+        : ownedStrings(std::move(texts)) {}
+
+    const std::unique_ptr<LocalizedStrings> ownedStrings;
     std::function<HttpAnswer(const HttpRequest&)> service = answerWithItsReport;
 
     InMemoryLog log;
@@ -76,7 +81,7 @@ struct EngineEnvironment {
     FaultyFileManager files;
     ManualClock clock{startOfLocalDay(std::chrono::year{2015} / 6 / 17) + std::chrono::hours{12}};
     ScriptedAlerts alerts;
-    SourceLanguageStrings strings;
+    LocalizedStrings& strings = *ownedStrings;
     ReportServiceConnection connection{"service.example", httpClient, mainQueue, backgroundQueue, log};
     ReportUpdateManager manager{{settings, connection, files, clock, alerts, strings}};
 
