@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <future>
+#include <mutex>
 #include <ostream>
 #include <set>
 #include <string>
@@ -553,6 +554,33 @@ TEST_F(TlsTest, takesUpATlsSessionOnANewConnection) {
     client.sendSynchronousRequest(get(server.origin() + "/"));
     EXPECT_EQ(server.connectionCount(), 2U);
     EXPECT_EQ(server.resumedCount(), 1U);
+}
+
+TEST_F(TlsTest, asksAgainWithTheSameBytesWhenAKeptConnectionHasDied) {
+    const Identity identity = test::makeServerIdentity(&authority_);
+    std::mutex mutex;
+    std::vector<std::string> requests;
+    LoopbackServer server(
+        [&](ServerConnection& connection) {
+            // Answers once, and closes when the next request is there.
+            const auto request = connection.readRequest();
+            {
+                const std::lock_guard lock(mutex);
+                requests.push_back(request.value_or(""));
+            }
+            connection.sendOk("ok");
+            connection.readRequest();
+        },
+        LoopbackServer::Tls{&identity});
+    CurlHttpClient client(trusting());
+    const HttpRequest request = post(server.origin() + "/autoingestion.tft?", "PASSWORD=x");
+    EXPECT_EQ(bodyText(client.sendSynchronousRequest(request)), "ok");
+    EXPECT_EQ(bodyText(client.sendSynchronousRequest(request)), "ok");
+    EXPECT_EQ(server.connectionCount(), 2U);
+    const std::lock_guard lock(mutex);
+    ASSERT_EQ(requests.size(), 2U);
+    EXPECT_THAT(requests.front(), ::testing::StartsWith("POST /autoingestion.tft? HTTP/1.1\r\n"));
+    EXPECT_EQ(requests.back(), requests.front());
 }
 
 TEST_F(TlsTest, usesOneConnectionForEachOfFourParallelJobs) {

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <optional>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -63,6 +64,17 @@ std::string_view trimmed(std::string_view value) {
     if (first == std::string_view::npos)
         return {};
     return value.substr(first, value.find_last_not_of(blanks) - first + 1);
+}
+
+/// The target of a request whose URL ends in an empty query, which the library forgets when it sends a
+/// request once more on a new connection. Absent where the library knows better: the target would outlive a
+/// redirect, and a proxy of plain HTTP wants another one.
+std::optional<std::string> targetWithEmptyQuery(const HttpRequest& request) {
+    constexpr std::string_view scheme = "https://";
+    if (request.followsRedirects || !request.url.starts_with(scheme) || !request.url.ends_with('?'))
+        return std::nullopt;
+    const std::size_t path = request.url.find_first_of("/?", scheme.size());
+    return request.url[path] == '/' ? request.url.substr(path) : "/" + request.url.substr(path);
 }
 
 bool isContentType(const HttpHeader& header) {
@@ -150,6 +162,8 @@ CURLcode CurlConnection::prepare(const HttpRequest& request) {
     curl_easy_reset(easy_.get());  // keeps connections, TLS sessions and the share
     OptionSetter options(easy_.get());
     options.set(CURLOPT_URL, request.url.c_str());
+    if (const std::optional<std::string> target = targetWithEmptyQuery(request))
+        options.set(CURLOPT_REQUEST_TARGET, target->c_str());
     options.set(CURLOPT_USERAGENT, options_.userAgent.c_str());
     options.set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     options.set(CURLOPT_PROTOCOLS_STR, "http,https");

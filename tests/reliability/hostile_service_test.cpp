@@ -1,0 +1,352 @@
+// An import against a service that misbehaves: it ends in bounded time and memory, the next date goes on, and
+// nobody but the service hears of the password.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <iomanip>
+#include <ostream>
+#include <sstream>
+
+#include "core/gzip_codec.h"
+#include "demo_service/demo_service.h"
+#include "platform/memory/manual_background_queue.h"
+#include "platform/memory/scripted_http_client.h"
+#include "reliability/engine_on_disk.h"
+#include "reliability/rounds.h"
+#include "support/engine_environment.h"
+#include "support/temporary_folder.h"
+
+namespace corvane::test {
+namespace {
+
+using std::chrono::milliseconds;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr const char* password = "S3cret-w0rd";
+constexpr std::size_t missingDays = 3;
+constexpr milliseconds idleLimit{1500};
+
+/// The sanitizers take a multiple of what the program takes, which says nothing about it.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr long memoryFactor = 12;
+#else
+constexpr long memoryFactor = 1;
+#endif
+constexpr long kibibytesOfMebibyte = 1024;
+constexpr long ordinaryMemory = 150 * kibibytesOfMebibyte * memoryFactor;
+constexpr long bombMemory = 600 * kibibytesOfMebibyte * memoryFactor;
+
+struct Outcome {
+    int status = -1;
+    long peakKibibytes = 0;
+    std::chrono::steady_clock::duration time{};
+    std::string output;
+    std::string log;
+};
+
+class HostileServiceTest : public testing::Test {
+  protected:
+    void startService(demo::TlsVariant tls = demo::TlsVariant::trusted) {
+        std::string problem;
+        demo::DemoServiceOptions options;
+        options.tls = tls;
+        service_ = demo::DemoService::start(std::move(options), problem);
+        ASSERT_TRUE(service_) << problem;
+        ASSERT_TRUE(service_->writeCaFile(home_.path() / "ca.pem"));
+    }
+
+    /// A home whose accounts miss the last days; the days the service is asked for, ascending.
+    void makeHome(int accounts = 1) {
+        ManualBackgroundQueue queue;
+        ScriptedHttpClient http(answerWithItsReport);
+        EngineOnDisk engine({home_.path(), http, queue});
+        engine.clock.set(std::chrono::system_clock::now());
+        ITunesAccountList list;
+        for (int number = 1; number <= accounts; ++number) {
+            list.push_back(std::make_shared<ITunesAccount>(std::to_string(4710 + number), "Demo"));
+            list.back()->setEmail("user@example.com");
+            list.back()->setPassword(password);
+        }
+        engine.settings.setITunesAccounts(list);
+        // Days enough, so that three are left that are not keyed by a week as well.
+        engine.fillCacheExceptDays(missingDays + 1);
+        const std::set<std::string> due = engine.dueKeys();
+        days_.assign(due.begin(), due.end());
+        days_.erase(days_.begin(), days_.end() - static_cast<std::ptrdiff_t>(missingDays));
+        ReportKeys keys = *engine.settings.reportsDownloadedCache();
+        for (const std::string& key : due) {
+            if (std::find(days_.begin(), days_.end(), key) == days_.end())
+                keys.push_back(key);
+        }
+        engine.settings.setReportsDownloadedCache(keys);
+    }
+
+    /// The first missing day is answered so, the others as usual.
+    void answerFirstDayWith(const demo::Behaviour& behaviour) {
+        service_->setBehaviour([behaviour, first = days_.front()](
+                                   const demo::ReportRequest& request) -> std::optional<demo::Behaviour> {
+            return dateText(request) == first ? std::optional(behaviour) : std::nullopt;
+        });
+    }
+
+    static std::string dateText(const demo::ReportRequest& request) {
+        std::ostringstream text;
+        text << static_cast<int>(request.date.year()) << std::setfill('0') << std::setw(2)
+             << static_cast<unsigned>(request.date.month()) << std::setw(2)
+             << static_cast<unsigned>(request.date.day());
+        return text.str();
+    }
+
+    Outcome importReports(int runs = 1, mode_t mask = 022) const {
+        const auto start = std::chrono::steady_clock::now();
+        const pid_t child = fork();
+        if (child == 0) {
+            umask(mask);
+            redirect("out", STDOUT_FILENO);
+            redirect("log", STDERR_FILENO);
+            const std::string caFile = home_.path() / "ca.pem";
+            const std::string limit = std::to_string(idleLimit.count());
+            const std::string host = service_->reportServiceHost();
+            const std::string count = std::to_string(runs);
+            for (const char* name : {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"})
+                unsetenv(name);
+            execl(IMPORT_DRIVER, IMPORT_DRIVER, home_.path().c_str(), host.c_str(), caFile.c_str(),
+                  limit.c_str(), count.c_str(), nullptr);
+            _exit(EXIT_FAILURE);
+        }
+        Outcome outcome;
+        rusage usage{};
+        EXPECT_EQ(wait4(child, &outcome.status, 0, &usage), child);
+        outcome.peakKibibytes = usage.ru_maxrss;
+        outcome.time = std::chrono::steady_clock::now() - start;
+        outcome.output = readFile(home_.path() / "out");
+        outcome.log = readFile(home_.path() / "log");
+        return outcome;
+    }
+
+    std::filesystem::path reportFolder() const { return EngineOnDisk::reportFolder(home_.path()); }
+
+    /// The reports of all days but the first.
+    void expectTheOtherDays() const {
+        for (std::size_t index = 1; index < days_.size(); ++index)
+            EXPECT_TRUE(std::filesystem::exists(reportFolder() / ("S_D_4711_" + days_[index] + ".txt")))
+                << days_[index];
+    }
+
+    TemporaryFolder home_;
+    std::unique_ptr<demo::DemoService> service_;
+    std::vector<std::string> days_;
+
+  private:
+    void redirect(const char* name, int descriptor) const {
+        const int file = open((home_.path() / name).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        dup2(file, descriptor);
+    }
+};
+
+struct HostileCase {
+    const char* name;
+    demo::Behaviour behaviour;
+    bool isReport = false;  ///< the answer counts as a report all the same
+    long memory = ordinaryMemory;
+};
+
+std::ostream& operator<<(std::ostream& out, const HostileCase& hostile) {
+    return out << hostile.name;
+}
+
+demo::Behaviour delivered(demo::Delivery delivery) {
+    demo::Behaviour behaviour;
+    behaviour.delivery = delivery;
+    return behaviour;
+}
+
+demo::Behaviour answered(demo::Content content, int statusCode) {
+    demo::Behaviour behaviour;
+    behaviour.content = content;
+    behaviour.statusCode = statusCode;
+    return behaviour;
+}
+
+/// About a mebibyte of gzip that stands for one of 1000.
+demo::Behaviour bomb() {
+    static const Bytes packed = *gzippedData(Bytes(std::size_t{1} << 30));
+    demo::Behaviour behaviour;
+    behaviour.content = demo::Content::customBody;
+    behaviour.body = packed;
+    return behaviour;
+}
+
+class HostileAnswerTest : public HostileServiceTest, public testing::WithParamInterface<HostileCase> {};
+
+TEST_P(HostileAnswerTest, EndsAndTheNextDateGoesOn) {
+    startService();
+    makeHome();
+    answerFirstDayWith(GetParam().behaviour);
+    const Outcome outcome = importReports();
+    EXPECT_EQ(outcome.status, 0) << outcome.log;
+    EXPECT_THAT(outcome.output, HasSubstr(GetParam().isReport ? " 3 files" : " 2 files")) << outcome.log;
+    EXPECT_LT(outcome.peakKibibytes, GetParam().memory);
+    EXPECT_LT(outcome.time, std::chrono::seconds(60));
+    EXPECT_THAT(outcome.log, Not(HasSubstr(password)));
+    expectTheOtherDays();
+    std::printf("%s: %ld KiB, %lld ms\n", GetParam().name, outcome.peakKibibytes,
+                static_cast<long long>(std::chrono::duration_cast<milliseconds>(outcome.time).count()));
+}
+
+constexpr std::uint64_t tenGigabytes = 10'000'000'000;
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryKind, HostileAnswerTest,
+    testing::Values(
+        HostileCase{"endless headers", delivered({.kind = demo::DeliveryKind::endlessHeaders})},
+        HostileCase{"10 GB announced",
+                    delivered({.kind = demo::DeliveryKind::endlessBody, .bodySize = tenGigabytes})},
+        HostileCase{"endless chunks", delivered({.kind = demo::DeliveryKind::endlessBody})},
+        HostileCase{"silence", delivered({.kind = demo::DeliveryKind::stallBeforeHeader})},
+        HostileCase{"silence within the body", delivered({.kind = demo::DeliveryKind::stallInBody})},
+        HostileCase{"reset", delivered({.kind = demo::DeliveryKind::resetBeforeAnswer})},
+        HostileCase{"reset within the body", delivered({.kind = demo::DeliveryKind::resetInBody})},
+        HostileCase{"closed", delivered({.kind = demo::DeliveryKind::closeBeforeAnswer})},
+        HostileCase{"cut body", delivered({.kind = demo::DeliveryKind::cutBody})},
+        HostileCase{"cut chunk", delivered({.kind = demo::DeliveryKind::cutChunk})},
+        HostileCase{"HTML with 200", answered(demo::Content::htmlPage, 200)},
+        HostileCase{"HTML with 500", answered(demo::Content::htmlPage, 500)},
+        HostileCase{"HTML with 502", answered(demo::Content::htmlPage, 502)},
+        HostileCase{"HTML with 429", answered(demo::Content::htmlPage, 429)},
+        HostileCase{"refusal with 500", answered(demo::Content::noReport, 500)},
+        HostileCase{"report with 500", answered(demo::Content::report, 500), true},
+        HostileCase{"report with 429", answered(demo::Content::report, 429), true},
+        HostileCase{"empty body under a report's name", answered(demo::Content::emptyBody, 200), true},
+        HostileCase{"broken gzip", answered(demo::Content::truncatedReport, 200), true},
+        HostileCase{"gzip bomb", bomb(), false, bombMemory}));
+
+TEST_F(HostileServiceTest, OneByteASecondGoesOnAsLongAsThereAreBytes) {
+    startService();
+    makeHome();
+    demo::Behaviour behaviour =
+        delivered({.kind = demo::DeliveryKind::trickleBody, .interval = milliseconds(100)});
+    behaviour.content = demo::Content::customBody;
+    behaviour.body = toBytes("twenty bytes of text");
+    answerFirstDayWith(behaviour);
+    const Outcome outcome = importReports();
+    EXPECT_THAT(outcome.output, HasSubstr(" 3 files")) << outcome.log;
+    EXPECT_GT(outcome.time, idleLimit) << "the whole takes longer than the longest silence";
+}
+
+TEST_F(HostileServiceTest, EndlessAnswersToAllAccountsAtOnceStayBounded) {
+    startService();
+    makeHome(4);
+    answerFirstDayWith(delivered({.kind = demo::DeliveryKind::endlessBody}));
+    const Outcome outcome = importReports();
+    EXPECT_EQ(outcome.status, 0) << outcome.log;
+    EXPECT_THAT(outcome.output, HasSubstr(" 8 files")) << outcome.log;
+    EXPECT_LT(outcome.peakKibibytes, ordinaryMemory);
+    std::printf("four endless answers at once: %ld KiB\n", outcome.peakKibibytes);
+}
+
+class UntrustedServiceTest : public HostileServiceTest,
+                             public testing::WithParamInterface<demo::TlsVariant> {};
+
+TEST_P(UntrustedServiceTest, GetsNoByteOfTheForm) {
+    startService(GetParam());
+    makeHome();
+    const Outcome outcome = importReports();
+    EXPECT_EQ(outcome.status, 0) << outcome.log;
+    EXPECT_THAT(outcome.output, HasSubstr(" 0 files"));
+    EXPECT_GE(service_->acceptedConnections(), missingDays);
+    EXPECT_EQ(service_->receivedBytes(), 0U);
+    EXPECT_THAT(outcome.log, HasSubstr("failed to get data:An SSL error has occurred"));
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryKind, UntrustedServiceTest,
+                         testing::Values(demo::TlsVariant::selfSigned, demo::TlsVariant::wrongHost,
+                                         demo::TlsVariant::expired, demo::TlsVariant::tls11));
+
+TEST_F(HostileServiceTest, FollowsNoRedirect) {
+    for (const int status : {301, 302, 303, 307, 308}) {
+        for (const bool isHttps : {true, false}) {
+            startService();
+            makeHome();
+            demo::Behaviour behaviour = answered(demo::Content::htmlPage, status);
+            behaviour.location =
+                (isHttps ? "https://" : "http://") + service_->redirectTargetHost() + "/autoingestion.tft";
+            service_->setBehaviour([behaviour](const demo::ReportRequest&) { return behaviour; });
+            const Outcome outcome = importReports();
+            EXPECT_THAT(outcome.output, HasSubstr(" 0 files")) << status;
+            EXPECT_EQ(service_->redirectTargetConnections(), 0U) << status;
+            EXPECT_EQ(service_->requests().count(), missingDays) << status;
+        }
+    }
+}
+
+TEST_F(HostileServiceTest, AHundredImportsLeaveMemoryAndDescriptorsFlat) {
+    startService();
+    makeHome();
+    const int runs = rounds(30, 100);
+    const Outcome outcome = importReports(runs);
+    ASSERT_EQ(outcome.status, 0) << outcome.log;
+    std::istringstream lines(outcome.output);
+    std::string line;
+    std::vector<std::size_t> descriptors;
+    std::vector<long> memory;
+    while (std::getline(lines, line)) {
+        EXPECT_THAT(line, HasSubstr(" 3 files"));
+        std::size_t count = 0;
+        long kibibytes = 0;
+        ASSERT_EQ(std::sscanf(line.c_str(), "run %*d: %*d answers, %*d files, %zu descriptors, %ld KiB",
+                              &count, &kibibytes),
+                  2)
+            << line;
+        descriptors.push_back(count);
+        memory.push_back(kibibytes);
+    }
+    ASSERT_EQ(descriptors.size(), static_cast<std::size_t>(runs));
+    // The first runs fill caches: connections, TLS sessions, what the allocator keeps.
+    constexpr std::size_t settled = 10;
+    EXPECT_LE(descriptors.back(), descriptors.at(settled));
+    constexpr long tolerance = 2 * kibibytesOfMebibyte;
+    EXPECT_LT(memory.back(), memory.at(settled) + tolerance * memoryFactor);
+    std::printf("run %zu: %zu descriptors, %ld KiB; run %d: %zu descriptors, %ld KiB\n", settled + 1,
+                descriptors.at(settled), memory.at(settled), runs, descriptors.back(), memory.back());
+}
+
+class SecretTest : public HostileServiceTest, public testing::WithParamInterface<mode_t> {};
+
+TEST_P(SecretTest, StandsNowhereButInTheSettingsOfModes0600And0700) {
+    startService();
+    const mode_t previous = umask(GetParam());
+    makeHome();
+    umask(previous);
+    ASSERT_EQ(importReports(1, GetParam()).status, 0);
+    EXPECT_GT(service_->requests().count(), 0U);
+    const auto settingsFile = EngineOnDisk::settingsFile(home_.path());
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(home_.path())) {
+        if (entry.is_regular_file() && entry.path() != settingsFile) {
+            EXPECT_THAT(readFile(entry.path()), Not(HasSubstr(password))) << entry.path();
+        }
+    }
+    EXPECT_THAT(readFile(settingsFile), HasSubstr(password));
+    constexpr auto allBits = static_cast<std::filesystem::perms>(07777);
+    const auto modeOf = [](const std::filesystem::path& path) {
+        return static_cast<unsigned>(std::filesystem::status(path).permissions() & allBits);
+    };
+    EXPECT_EQ(modeOf(settingsFile), 0600U);
+    EXPECT_EQ(modeOf(settingsFile.parent_path()), 0700U);
+    EXPECT_EQ(modeOf(EngineOnDisk::containerFolder(home_.path())), 0700U);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryUmask, SecretTest, testing::Values(0, 022, 077));
+
+}  // namespace
+}  // namespace corvane::test
