@@ -1,5 +1,6 @@
 #include "desktop/accounts_tab.h"
 
+#include <QApplication>
 #include <QFormLayout>
 #include <QGraphicsOpacityEffect>
 #include <QGridLayout>
@@ -253,8 +254,14 @@ void AccountsTab::setText(AccountField field, const std::string& text) {
 
 void AccountsTab::setEnabled(AccountField field, bool isEnabled) {
     fieldOf(field).widget->setEnabled(isEnabled);
-    if (field == AccountField::Password)
-        showPassword_->setEnabled(isEnabled);
+    if (field != AccountField::Password)
+        return;
+    showPassword_->setEnabled(isEnabled);
+    // The whole area is faint without an account; fainter still it could not be read.
+    QPalette palette = QApplication::palette(showPassword_);
+    palette.setColor(QPalette::Disabled, QPalette::WindowText,
+                     palette.color(QPalette::Active, QPalette::WindowText));
+    showPassword_->setPalette(palette);
 }
 
 void AccountsTab::setDetailAlpha(double alpha) {

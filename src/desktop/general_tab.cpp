@@ -65,7 +65,6 @@ GeneralTab::GeneralTab(const ProgramFacts& facts, const LocalizedStrings& string
     content->setSpacing(fontMetrics().height());
     content->addWidget(icon, 0, Qt::AlignTop);
     content->addLayout(texts, 1);
-    setFocusProxy(name);
 }
 
 }  // namespace corvane

@@ -137,7 +137,7 @@ void SettingsWindow::addContent(TabView& view) {
     contentLayout_->addWidget(widget);
     contentLayout_->setCurrentWidget(widget);
     widget->show();
-    if (!isToolbarInUse_ && widget->focusProxy() != nullptr)
+    if (!isToolbarInUse_)
         widget->setFocus();
 }
 

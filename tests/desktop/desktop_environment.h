@@ -18,7 +18,9 @@ namespace corvane::test {
 /// The real windows, alerts and controllers over an engine in memory. Nothing is shown before `launch`.
 struct DesktopEnvironment : EngineEnvironment {
     /// The texts outlive the environment.
-    explicit DesktopEnvironment(LocalizedStrings& localizedTexts) : texts(localizedTexts) {
+    explicit DesktopEnvironment(LocalizedStrings& localizedTexts,
+                                QString folder = QStringLiteral("/home/ada/reports"))
+        : texts(localizedTexts), reportsFolder(std::move(folder)) {
         windowAlerts.setParentWindow([this] { return interfaceFiles.settingsWindow(); });
     }
     ~DesktopEnvironment() { mainQueue.runDueTasks(); }
@@ -35,8 +37,7 @@ struct DesktopEnvironment : EngineEnvironment {
     }
 
     LocalizedStrings& texts;
-    std::string reportsFolder =
-        "/home/ada/.local/share/QX4ZT7M2P9.group.quessartolvinger.brindlecount/ToImport";
+    const QString reportsFolder;
     NotificationCenter notificationCenter;
     InMemoryDistributedNotificationCenter distributedCenter;
     RecordingApplication application;
@@ -45,7 +46,7 @@ struct DesktopEnvironment : EngineEnvironment {
     ReportUpdateManager windowManager{{settings, connection, files, clock, windowAlerts, texts}};
     QtInterfaceFiles interfaceFiles{
         texts,
-        {"Corvane", "1.2.3", QString::fromStdString(reportsFolder)},
+        {"Corvane", "1.2.3", reportsFolder},
         {.checkForUpdates = [this] { updateCheck.checkForUpdates(); },
          .openReportsFolder = [] {},
          .showAbout =
