@@ -18,10 +18,10 @@
 namespace corvane {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using test::readFile;
 using test::writeFile;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 constexpr AtomicFileOptions privateFile{.mode = AtomicFileMode::Private,
                                         .folder = AtomicFileFolder::MayBeLink};
