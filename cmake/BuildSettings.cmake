@@ -9,6 +9,7 @@ option(CORVANE_BUILD_DESKTOP "Build the Qt desktop program; OFF builds and tests
 
 # For developers.
 option(CORVANE_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
+option(CORVANE_BUILD_BENCHMARKS "Build the benchmarks that scripts/bench.sh runs" OFF)
 set(CORVANE_SANITIZERS "" CACHE STRING "Comma-separated list for -fsanitize=, for example address,undefined")
 option(CORVANE_BUILD_FUZZERS "Build the fuzz targets with Clang's libFuzzer (the fuzz preset)" OFF)
 

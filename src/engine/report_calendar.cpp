@@ -27,13 +27,10 @@ constexpr std::size_t indexOf(SaleDataReportType type) {
     return static_cast<std::size_t>(type);
 }
 
-Date baseDate(SaleDataReportType type, Date now, Log& log) {
+Date baseDate(SaleDataReportType type, Date now) {
     if (type != SaleDataReportType::Weekly)
         return now;
-    const Date lastSunday = now - (localWeekday(now) - 1) * dayLength;
-    // The label stays as it is: whoever reads these logs searches for it.
-    log.log(formatText("last monday:%@", {describeDate(lastSunday)}));
-    return lastSunday;
+    return now - (localWeekday(now) - 1) * dayLength;
 }
 
 std::vector<Date> allReportDates(SaleDataReportType type, Date base) {
@@ -89,10 +86,16 @@ Date dateWithoutTime(Date date) {
     return startOfLocalDay(localDay(date));
 }
 
+void logBaseDate(SaleDataReportType type, Date now, Log& log) {
+    // The label stays as it is: whoever reads these logs searches for it.
+    if (type == SaleDataReportType::Weekly)
+        log.log(formatText("last monday:%@", {describeDate(baseDate(type, now))}));
+}
+
 std::vector<Date> dueReportDates(SaleDataReportType type, Date now,
-                                 const std::optional<std::vector<std::string>>& cache, Log& log) {
+                                 const std::optional<std::vector<std::string>>& cache) {
     refreshLocalTimeZone();
-    std::vector<Date> dates = allReportDates(type, baseDate(type, now, log));
+    std::vector<Date> dates = allReportDates(type, baseDate(type, now));
     if (!cache)
         return dates;
     const std::unordered_set<std::string_view> fetchedKeys(cache->begin(), cache->end());

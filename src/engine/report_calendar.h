@@ -36,8 +36,11 @@ std::string reportFileName(std::string_view dateText, SaleDataReportType type, s
 Date dateWithoutTime(Date date);
 
 /// The report dates of the type whose key is not in the cache, ascending, each at local midnight. Without a
-/// cache all dates are due. For weekly reports the last Sunday is logged.
+/// cache all dates are due.
 std::vector<Date> dueReportDates(SaleDataReportType type, Date now,
-                                 const std::optional<std::vector<std::string>>& cache, Log& log);
+                                 const std::optional<std::vector<std::string>>& cache);
+
+/// For weekly reports the last Sunday is logged, which their dates are counted from; nothing for the others.
+void logBaseDate(SaleDataReportType type, Date now, Log& log);
 
 }  // namespace corvane

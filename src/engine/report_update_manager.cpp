@@ -21,6 +21,8 @@ struct ReportUpdateManager::Run {
     ProgressHandler handler;
     ReportKeyList downloadedKeys;
     std::int64_t accountCount;  ///< accounts that take part
+    Date begin;
+    std::vector<std::vector<Date>> dueDates;  ///< by type; the same for every account
     std::int64_t batchesDone = 0;
     std::int64_t reportsTotal = 0;
     std::int64_t reportsDone = 0;
@@ -66,7 +68,11 @@ void ReportUpdateManager::updateDailyReports(ProgressHandler handler) {
     const auto run =
         std::make_shared<Run>(Run{.handler = std::move(handler),
                                   .downloadedKeys = ReportKeyList(selectedCache().value_or(ReportKeys{})),
-                                  .accountCount = std::ssize(*accounts)});
+                                  .accountCount = std::ssize(*accounts),
+                                  .begin = with_.clock.now(),
+                                  .dueDates = {}});
+    for (const SaleDataReportType type : allReportTypes)
+        run->dueDates.push_back(corvane::dueReportDates(type, run->begin, selectedCache()));
     for (const std::shared_ptr<ITunesAccount>& account : *accounts) {
         if (account->email() && account->password() && account->vendorID()) {
             requestReports(*account, run);
@@ -83,7 +89,8 @@ void ReportUpdateManager::updateDailyReports(ProgressHandler handler) {
 void ReportUpdateManager::requestReports(const ITunesAccount& account, const std::shared_ptr<Run>& run) {
     const auto signInError = std::make_shared<SignInError>();
     for (const SaleDataReportType type : allReportTypes) {
-        std::vector<Date> dates = dueReportDates(type);
+        logBaseDate(type, run->begin, log_);
+        std::vector<Date> dates = run->dueDates[static_cast<std::size_t>(type)];
         run->reportsTotal += std::ssize(dates);
         const AutoingestionTool client(with_.service, *account.email(), *account.password(),
                                        *account.vendorID());
@@ -133,6 +140,7 @@ std::optional<std::string> ReportUpdateManager::store(ReportResult& result, Sale
 }
 
 void ReportUpdateManager::finish(const SignInError& signInError, const Run& run) {
+    storage_.flush();  // the cache must not know of a report that a power cut takes away
     setSelectedCache(run.downloadedKeys.keys());
     const std::optional<std::string> message = signInError.message();
     if (!message)
@@ -146,7 +154,10 @@ void ReportUpdateManager::finish(const SignInError& signInError, const Run& run)
 }
 
 std::vector<Date> ReportUpdateManager::dueReportDates(SaleDataReportType type) const {
-    return corvane::dueReportDates(type, with_.clock.now(), selectedCache(), log_);
+    const Date now = with_.clock.now();
+    std::vector<Date> dates = corvane::dueReportDates(type, now, selectedCache());
+    logBaseDate(type, now, log_);
+    return dates;
 }
 
 std::filesystem::path ReportUpdateManager::filePathForFilename(std::string_view filename) const {

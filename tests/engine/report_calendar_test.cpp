@@ -40,8 +40,7 @@ Date utc(int y, unsigned m, unsigned d, int h = 0, int min = 0) {
 }
 
 std::vector<Date> dueDates(SaleDataReportType type, Date now, const Cache& cache = std::nullopt) {
-    InMemoryLog log;
-    return dueReportDates(type, now, cache, log);
+    return dueReportDates(type, now, cache);
 }
 
 std::vector<std::string> keys(SaleDataReportType type, Date now, const Cache& cache = std::nullopt) {
@@ -161,22 +160,27 @@ TEST(ReportCalendar, EndsWeeksOnSunday) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         InMemoryLog log;
-        const std::vector<Date> dates =
-            dueReportDates(SaleDataReportType::Weekly, row.now, std::nullopt, log);
+        logBaseDate(SaleDataReportType::Weekly, row.now, log);
+        const std::vector<Date> dates = dueDates(SaleDataReportType::Weekly, row.now);
         ASSERT_EQ(dates.size(), 56U);
         EXPECT_EQ(formatLocalDate(dates.back(), DateFormat::YearMonthDay), row.lastWeek);
         EXPECT_THAT(log.lines(), ElementsAre(row.logged));
     }
 }
 
-TEST(ReportCalendar, LogsTheSundayForWeeksOnlyAndEvenWhenNothingIsDue) {
+TEST(ReportCalendar, HasNothingDueWhenTheCacheHasAll) {
+    const ScopedTimeZone zone("UTC");
+    const Date now = utc(2015, 1, 7, 15);
+    for (const SaleDataReportType type : allReportTypes)
+        EXPECT_THAT(dueDates(type, now, keys(type, now)), IsEmpty());
+}
+
+TEST(ReportCalendar, LogsTheSundayForWeeksOnly) {
     const ScopedTimeZone zone("UTC");
     const Date now = utc(2015, 1, 7, 15);
     InMemoryLog log;
-    for (const SaleDataReportType type : allReportTypes) {
-        const std::vector<std::string> all = keys(type, now);
-        EXPECT_THAT(dueReportDates(type, now, all, log), IsEmpty());
-    }
+    for (const SaleDataReportType type : allReportTypes)
+        logBaseDate(type, now, log);
     EXPECT_THAT(log.lines(), ElementsAre("last monday:2015-01-04 15:00:00 +0000"));
 }
 

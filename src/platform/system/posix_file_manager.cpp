@@ -70,7 +70,11 @@ std::error_code PosixFileManager::createDirectoryAtPath(const std::filesystem::p
 }
 
 std::error_code PosixFileManager::writeAtomically(const std::filesystem::path& path, ByteView content) {
-    return writeFileAtomically(path, content, {});
+    return writeFileAtomically(path, content, {.flush = AtomicFileFlush::Later});
+}
+
+std::error_code PosixFileManager::flushFolder(const std::filesystem::path& path) {
+    return flushFileSystem(path);
 }
 
 std::error_code PosixFileManager::copyItem(const std::filesystem::path& source,

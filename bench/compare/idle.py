@@ -1,0 +1,50 @@
+"""What the program does while nobody asks for anything."""
+
+import os
+import pathlib
+import signal
+import subprocess
+import time
+
+import settings
+from imports import BUS_NAME
+from surroundings import Home
+
+SETTLING_TIME = 5
+
+
+def threads(pid):
+    return pathlib.Path(f"/proc/{pid}/task").iterdir()
+
+
+def switches(pid):
+    """How often a thread of the process has waited for something, and so been woken up."""
+    count = 0
+    for thread in threads(pid):
+        for line in (thread / "status").read_text().splitlines():
+            if line.startswith("voluntary_ctxt_switches"):
+                count += int(line.split()[1])
+    return count
+
+
+def cpu_ticks(pid):
+    fields = pathlib.Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()
+    return int(fields[11]) + int(fields[12])
+
+
+def watch(program, screen, scratch, seconds):
+    """Wake-ups and CPU seconds of the program with its settings window on the screen, in so many seconds."""
+    with Home(scratch) as home:
+        settings.write(home.settings_file, 1)
+        environment = {**home.environment, "QT_QPA_PLATFORM": "xcb", "DISPLAY": screen.name}
+        process = subprocess.Popen([program], env=environment, stderr=subprocess.DEVNULL)
+        subprocess.run(
+            ["gdbus", "wait", "--session", "--timeout", "20", BUS_NAME], env=home.environment, check=True
+        )
+        time.sleep(SETTLING_TIME)
+        before = switches(process.pid), cpu_ticks(process.pid)
+        time.sleep(seconds)
+        after = switches(process.pid), cpu_ticks(process.pid)
+        process.send_signal(signal.SIGTERM)
+        process.wait()
+        return after[0] - before[0], (after[1] - before[1]) / os.sysconf("SC_CLK_TCK")
