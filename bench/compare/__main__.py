@@ -108,11 +108,12 @@ def all_rows(build, is_quick):
 def main(arguments):
     if len(arguments) not in (1, 2) or arguments[1:] not in ([], ["--quick"]):
         sys.exit(__doc__)
-    rows = list(all_rows(Build(arguments[0]), len(arguments) == 2))
     print(HEAD)
-    for row in rows:
-        print(row.line())
-    sys.exit(0 if all(row.passes() for row in rows) else 1)
+    misses = 0
+    for row in all_rows(Build(arguments[0]), len(arguments) == 2):
+        print(row.line(), flush=True)
+        misses += not row.passes()
+    sys.exit(1 if misses else 0)
 
 
 main(sys.argv[1:])
