@@ -29,13 +29,14 @@ for target in "$@"; do
     gathered=build/fuzz/gathered/$target
     findings=build/fuzz/findings/$target
     mkdir -p "$gathered" "$findings"
+    # The time limit is by the wall clock: the machine may have other work to do.
     longest=4096
     memory=256  # MB, with what libFuzzer and the sanitizers take themselves
     dictionary=""
     [ ! -f "fuzz/dictionaries/$target.dict" ] || dictionary=-dict=fuzz/dictionaries/$target.dict
     echo "== $target: $seconds s"
     # shellcheck disable=SC2086
-    "build/fuzz/fuzz/${target}_fuzzer" -max_total_time="$seconds" -max_len="$longest" -timeout=10 -rss_limit_mb="$memory" \
+    "build/fuzz/fuzz/${target}_fuzzer" -max_total_time="$seconds" -max_len="$longest" -timeout=60 -rss_limit_mb="$memory" \
         -malloc_limit_mb=64 -print_final_stats=1 -verbosity=0 -artifact_prefix="$findings/" $dictionary \
         "$gathered" "fuzz/corpus/$target" 2>"$findings/log" || {
         echo "fuzz.sh: $target has a finding:" >&2
