@@ -32,9 +32,8 @@ RunningProgram::RunningProgram(const BuildSettings& buildSettings, const Surroun
       httpClient_({.caFile = buildSettings.caFile}),
       alerts_(strings_),
       application_(mainQueue_, alerts_, surroundings.endDeadline, endLimit),
-      reportServiceLog_(surroundings.log),
       reportService_{buildSettings.reportServiceHost, httpClient_, mainQueue_, backgroundQueue_,
-                     reportServiceLog_},
+                     surroundings.log},
       reportUpdateManager_({settings_, reportService_, fileManager_, clock_, alerts_, strings_}),
       interfaceFiles_(strings_, facts(), menuCommands()),
       importWindow_{reportUpdateManager_,
@@ -68,7 +67,6 @@ void RunningProgram::removeLeftOvers() {
 }
 
 bool RunningProgram::stopWork(std::chrono::milliseconds limit) {
-    reportServiceLog_.silence();
     httpClient_.stop();
     return backgroundQueue_.stop(limit);
 }

@@ -10,7 +10,6 @@
 #include "desktop/qt_interface_files.h"
 #include "desktop/qt_main_queue.h"
 #include "desktop/qt_workspace.h"
-#include "desktop/silenceable_log.h"
 #include "engine/report_update_manager.h"
 #include "platform/notification_center.h"
 #include "platform/system/curl_http_client.h"
@@ -72,7 +71,6 @@ class RunningProgram {
     QtAlerts alerts_;
     QtWorkspace workspace_;
     QtApplication application_;
-    SilenceableLog reportServiceLog_;  ///< requests that the program's end cuts off are no failures
     const ReportServiceConnection reportService_;
     ReportUpdateManager reportUpdateManager_;
     QtInterfaceFiles interfaceFiles_;

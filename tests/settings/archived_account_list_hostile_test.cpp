@@ -51,7 +51,7 @@ TEST(HostileAccountArchive, OneRecordMillionsOfTimesStaysBounded) {
     // $top, $objects and the rest by hand, so that the elements can be references to one and the same UID.
     const std::size_t count = 6 * mebibyte;
     const HandmadePropertyList list{{
-                                        {0xD2, 1, 2, 3, 4},                              // 0 the archive
+                                        {0xD4, 1, 2, 21, 22, 3, 4, 23, 24},              // 0 the archive
                                         {0x54, '$', 't', 'o', 'p'},                      // 1
                                         {0x58, '$', 'o', 'b', 'j', 'e', 'c', 't', 's'},  // 2
                                         {0xD1, 5, 6},                                    // 3 $top
@@ -71,7 +71,11 @@ TEST(HostileAccountArchive, OneRecordMillionsOfTimesStaysBounded) {
                                         {0x5A, '$', 'c', 'l', 'a', 's', 's', 'n', 'a', 'm', 'e'},  // 17
                                         asciiObject("Corvane.ITunesAccount"),                      // 18
                                         {0x57, 'N', 'S', 'A', 'r', 'r', 'a', 'y'},                 // 19
-                                        {0x80, 2},  // 20 UID of the record
+                                        {0x80, 2},                       // 20 UID of the record
+                                        asciiObject("$archiver"),        // 21
+                                        asciiObject("$version"),         // 22
+                                        asciiObject("NSKeyedArchiver"),  // 23
+                                        {0x12, 0x00, 0x01, 0x86, 0xA0},  // 24
                                     },
                                     0,
                                     4,
@@ -94,7 +98,9 @@ TEST(HostileAccountArchive, LoopsAndDeepNestingAreNeverEntered) {
     EXPECT_TRUE(readMetered(looping.bytes()));
 
     std::string xml =
-        "<dict><key>$top</key><dict><key>root</key><dict><key>CF$UID</key><integer>0</integer></dict>"
+        "<dict><key>$archiver</key><string>NSKeyedArchiver</string><key>$version</key>"
+        "<integer>100000</integer><key>$top</key><dict><key>root</key><dict><key>CF$UID</key><integer>0</"
+        "integer></dict>"
         "</dict><key>$objects</key><array>";
     for (int depth = 0; depth < 100'000; ++depth)
         xml += "<array>";

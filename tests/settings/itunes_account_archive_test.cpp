@@ -180,9 +180,6 @@ TEST(AccountArchive, AcceptsWhatOtherWritersDo) {
         {"unused objects", [](Builder& b) { b.add(PropertyListArray{"unused"}); }},
         {"extra keys at top level", [](Builder& b) { b.others.emplace("extra", true); }},
         {"extra roots", [](Builder& b) { b.top.emplace("other", uid(99)); }},
-        {"other version", [](Builder& b) { b.others.at("$version") = std::int64_t{1}; }},
-        {"no version, no archiver", [](Builder& b) { b.others.clear(); }},
-        {"other archiver", [](Builder& b) { b.others.at("$archiver") = true; }},
         {"empty list of classes",
          [](Builder& b) { b.at(Builder::recordClass).at("$classes") = PropertyListArray{}; }},
         {"no list of classes", [](Builder& b) { b.at(Builder::recordClass).erase("$classes"); }},
@@ -290,6 +287,12 @@ TEST(AccountArchive, IsIgnoredAsAWholeWhenItIsNotAListOfRecords) {
         return [name](Builder& b) { b.at(Builder::recordClass).at("$classname") = name; };
     };
     const std::vector<Case> cases = {
+        {"no version", [](Builder& b) { b.others.erase("$version"); }},
+        {"other version", [](Builder& b) { b.others.at("$version") = std::int64_t{1}; }},
+        {"version is a text", [](Builder& b) { b.others.at("$version") = "100000"; }},
+        {"no archiver", [](Builder& b) { b.others.erase("$archiver"); }},
+        {"other archiver", [](Builder& b) { b.others.at("$archiver") = "NSArchiver"; }},
+        {"archiver is no text", [](Builder& b) { b.others.at("$archiver") = true; }},
         {"no $top", [](Builder& b) { b.others.emplace("$top", true); }},
         {"no root", [](Builder& b) { b.top.clear(); }},
         {"root of another name",

@@ -1,5 +1,6 @@
 #include "platform/property_list/keyed_archive.h"
 
+#include <cstdint>
 #include <utility>
 
 namespace corvane {
@@ -7,6 +8,8 @@ namespace corvane {
 namespace {
 
 constexpr std::string_view nilText = "$null";
+constexpr std::string_view archiverName = "NSKeyedArchiver";
+constexpr std::int64_t archiveVersion = 100000;
 
 }  // namespace
 
@@ -20,10 +23,15 @@ std::optional<KeyedArchive> KeyedArchive::open(ByteView file) {
     return archive;
 }
 
+bool KeyedArchive::isOfKnownForm(const PropertyListDictionaryRange& archive) {
+    const auto archiver = valueForKey<PropertyListTextRange>(archive, "$archiver");
+    return archiver && objects_->text(*archiver, budget_) == archiverName &&
+           valueForKey<std::int64_t>(archive, "$version") == archiveVersion;
+}
+
 bool KeyedArchive::readTop() {
-    // `$version` and `$archiver` are not looked at: other writers of the format fill them in their own way.
     const auto archive = objects_->objectOfType<PropertyListDictionaryRange>(objects_->topObject());
-    if (!archive)
+    if (!archive || !isOfKnownForm(*archive))
         return false;
     const auto table = valueForKey<PropertyListArrayRange>(*archive, "$objects");
     const auto top = valueForKey<PropertyListDictionaryRange>(*archive, "$top");

@@ -26,8 +26,8 @@ class KeyedArchive {
         PropertyListDictionaryRange contents;
     };
 
-    /// Absent when the file is no property list or has no table or no root. The bytes must outlive the
-    /// archive.
+    /// Absent when the file is no property list, names another archiver or version, or has no table or no
+    /// root. The bytes must outlive the archive.
     static std::optional<KeyedArchive> open(ByteView file);
 
     PropertyListUid root() const { return root_; }
@@ -56,6 +56,7 @@ class KeyedArchive {
         : objects_(std::move(objects)), budget_(maximumKeyedArchiveContent) {}
 
     bool readTop();
+    bool isOfKnownForm(const PropertyListDictionaryRange& archive);
     std::optional<PropertyListObjects::Reference> referenceTo(PropertyListUid uid) const;
     template <typename T>
     std::optional<T> valueForKey(const PropertyListDictionaryRange& dictionary, std::string_view key);
