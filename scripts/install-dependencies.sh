@@ -8,7 +8,7 @@ packages="
 cmake ninja-build g++ gettext locales
 libcurl4-openssl-dev libssl-dev zlib1g-dev nlohmann-json3-dev libutfcpp-dev libfmt-dev
 qt6-base-dev libgl-dev libqt6svg6 ca-certificates tzdata
-libgtest-dev libgmock-dev libplist-dev python3 clang-format
+libgtest-dev libgmock-dev libplist-dev pkg-config python3 clang-format
 dbus-bin dbus-daemon libglib2.0-bin xvfb xauth fonts-dejavu-core imagemagick procps
 appstream desktop-file-utils mandoc qt6-wayland systemd weston
 $*
