@@ -11,6 +11,7 @@ qt6-base-dev libgl-dev libqt6svg6 ca-certificates tzdata
 libgtest-dev libgmock-dev libplist-dev pkg-config python3 clang-format
 dbus-bin dbus-daemon libglib2.0-bin xvfb xauth fonts-dejavu-core imagemagick procps
 appstream desktop-file-utils mandoc qt6-wayland systemd weston
+at-spi2-core python3-gi gir1.2-atspi-2.0
 $*
 "
 

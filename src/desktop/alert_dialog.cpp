@@ -53,6 +53,7 @@ AlertDialog::AlertDialog(const Alert& alert, QWidget* parent)
 
     auto* icon = new QLabel(this);
     icon->setObjectName("alertIcon");
+    icon->setAccessibleName(windowTitle());
     const int iconSize = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
     icon->setPixmap(style()
                         ->standardIcon(iconOf(alert.style), nullptr, this)

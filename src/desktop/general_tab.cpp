@@ -32,6 +32,8 @@ GeneralTab::GeneralTab(const ProgramFacts& facts, const LocalizedStrings& string
     auto* icon = new QLabel(this);
     icon->setPixmap(windowIcon().pixmap(QSize(iconSize, iconSize), devicePixelRatioF()));
 
+    icon->setAccessibleName(facts.name);
+
     auto* name = makeText(facts.name, "programName", this);
     name->setAccessibleName(toQString(strings.localizedString("Name", "General tab")));
     QFont nameFont = name->font();

@@ -62,6 +62,7 @@ void SettingsWindow::buildMenu(MenuCommands commands, const LocalizedStrings& st
         return action;
     };
 
+    menuBar()->setAccessibleName(toQString(strings.localizedString("Menu", "Main menu")));
     QMenu& program = *menuBar()->addMenu(toQString(strings.localizedString("&File", "Main menu")));
     addAction(program, "openReportsFolder", strings.localizedString("Open &Folder of Reports", "Main menu"),
               std::move(commands.openReportsFolder));
@@ -113,13 +114,31 @@ void SettingsWindow::insertToolbarItem(const ToolbarItem& item, std::size_t inde
     action->setCheckable(true);
     action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + static_cast<int>(index))));
     tabs_->addAction(action);
-    connect(action, &QAction::triggered, this,
-            [this, identifier = item.identifier] { events_.toolbarItemClicked(identifier); });
+    connect(action, &QAction::triggered, this, [this, identifier = item.identifier] {
+        toggledIdentifier_.reset();
+        events_.toolbarItemClicked(identifier);
+    });
+    connect(action, &QAction::toggled, this, [this, identifier = item.identifier](bool isChecked) {
+        if (isChecked && !isMarking_)
+            tabWasToggled(identifier);
+    });
     toolbar_->insertAction(toolbarAction(index), action);
     QWidget* button = toolbar_->widgetForAction(action);
     button->setObjectName(toQString(item.identifier));
     button->setFocusPolicy(Qt::TabFocus);
     button->setAccessibleName(toQString(item.label));
+}
+
+// Assistive technology only toggles, where a click is a trigger right after it.
+void SettingsWindow::tabWasToggled(const std::string& identifier) {
+    toggledIdentifier_ = identifier;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (const auto toggled = std::exchange(toggledIdentifier_, std::nullopt))
+                events_.toolbarItemClicked(*toggled);
+        },
+        Qt::QueuedConnection);
 }
 
 void SettingsWindow::setSelectedToolbarItem(const std::string& identifier) {
@@ -128,8 +147,11 @@ void SettingsWindow::setSelectedToolbarItem(const std::string& identifier) {
     const auto found = std::find_if(actions.begin(), actions.end(), [&](const QAction* action) {
         return action->data().toString() == wanted;
     });
-    if (found != actions.end())
-        (*found)->setChecked(true);
+    if (found == actions.end())
+        return;
+    isMarking_ = true;
+    (*found)->setChecked(true);
+    isMarking_ = false;
 }
 
 void SettingsWindow::addContent(TabView& view) {

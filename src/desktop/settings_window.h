@@ -2,6 +2,8 @@
 
 #include <QMainWindow>
 #include <functional>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "desktop/import_sheet.h"
@@ -50,12 +52,15 @@ class SettingsWindow final : public QMainWindow, public SettingsWindowView {
   private:
     void buildMenu(MenuCommands commands, const LocalizedStrings& strings);
     void buildContentArea();
+    void tabWasToggled(const std::string& identifier);
     QAction* toolbarAction(std::size_t index) const;
 
     SettingsWindowEvents& events_;
     QToolBar* toolbar_;
     QActionGroup* tabs_;
     QStackedLayout* contentLayout_ = nullptr;
+    bool isMarking_ = false;                        ///< the mark is set from here, not by the user
+    std::optional<std::string> toggledIdentifier_;  ///< of a tab whose toggling was not answered yet
     bool isToolbarInUse_ = false;  ///< who chooses tabs by keyboard in the toolbar stays there
     std::vector<std::shared_ptr<ImportSheet>> sheets_;  ///< in the order in which they were begun
 };

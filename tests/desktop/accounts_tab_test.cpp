@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -42,10 +43,11 @@ class SettingsWindows : public test::DesktopEnvironment {
 
     template <typename Widget>
     Widget& find(const char* name) {
-        auto* widget = window().findChild<Widget*>(name);
-        if (widget == nullptr)
-            qFatal("there is no %s", name);
-        return *widget;
+        for (auto* widget : QApplication::allWidgets()) {
+            if (auto* found = qobject_cast<Widget*>(widget); found != nullptr && widget->objectName() == name)
+                return *found;
+        }
+        qFatal("there is no %s", name);
     }
     QListView& table() { return find<QListView>("accounts"); }
     QLineEdit& field(const char* name) { return find<QLineEdit>(name); }
@@ -586,6 +588,21 @@ TEST_F(AccountsTabTest, StaysInTheToolbarWhenATabIsChosenThere) {
     pressKey(Qt::Key_Space);
     EXPECT_TRUE(on->isTabShown(2));
     EXPECT_EQ(QApplication::focusWidget(), toolbar.widgetForAction(toolbar.actions().at(2)));
+}
+
+TEST_F(AccountsTabTest, AnswersAssistiveTechnologyThatTogglesATab) {
+    open(1);
+    auto& toolbar = on->find<QToolBar>("tabs");
+    QAccessibleInterface* button =
+        QAccessible::queryAccessibleInterface(toolbar.widgetForAction(toolbar.actions().at(2)));
+    ASSERT_NE(button, nullptr);
+    ASSERT_NE(button->actionInterface(), nullptr);
+    button->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    EXPECT_TRUE(waitUntil([this] { return on->button("resetCache").isVisible(); }));
+    EXPECT_TRUE(on->isTabShown(2));
+    on->showTab(1);
+    QApplication::processEvents();
+    EXPECT_TRUE(on->table().isVisible());
 }
 
 TEST_F(AccountsTabTest, ReachesFieldsByTheirMnemonics) {
