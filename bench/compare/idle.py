@@ -10,7 +10,7 @@ import settings
 from imports import BUS_NAME
 from surroundings import Home
 
-SETTLING_TIME = 5
+SETTLING_TIME = 8  # seconds; threads of the pool that have nothing to do end after five
 
 
 def threads(pid):

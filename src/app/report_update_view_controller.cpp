@@ -49,12 +49,12 @@ void ReportUpdateViewController::handleProgress(const UpdateProgress& progress,
         urlsOfRun.push_back(ResourceUrl::ofFile(*progress.path));
     with_.mainQueue.async([self = shared_from_this()] { self->updateView(); });
     if (progress.isFinished)
-        finish(progress.succeeded, urlsOfRun);
+        finish(progress.succeeded, std::move(urlsOfRun));
 }
 
-void ReportUpdateViewController::finish(bool lastAnswerSucceeded, const std::vector<ResourceUrl>& urlsOfRun) {
+void ReportUpdateViewController::finish(bool lastAnswerSucceeded, std::vector<ResourceUrl> urlsOfRun) {
     isDownloadingReports_ = false;
-    urls_ = urlsOfRun;
+    urls_ = std::move(urlsOfRun);
     const std::shared_ptr<SheetWindow> window = window_.lock();
     if (!window || !window->endSheet())
         fatalError("the import window is not a sheet of any window");

@@ -72,7 +72,7 @@ class ReportUpdateViewController final : public ReportUpdateViewEvents,
   private:
     void startRun();
     void handleProgress(const UpdateProgress& progress, std::vector<ResourceUrl>& urlsOfRun);
-    void finish(bool lastAnswerSucceeded, const std::vector<ResourceUrl>& urlsOfRun);
+    void finish(bool lastAnswerSucceeded, std::vector<ResourceUrl> urlsOfRun);
     void copyIntoReportsFolder(const ResourceUrl& url);
 
     const Collaborators with_;

@@ -1,5 +1,7 @@
 #include "desktop/import_view.h"
 
+#include <QElapsedTimer>
+#include <QEvent>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
@@ -21,6 +23,29 @@ int barValue(double percentage) {
     return static_cast<int>(std::lround(std::clamp(percentage, 0.0, 100.0) * stepsPerPercent));
 }
 
+/// A bar that runs to and fro is painted ten times a second instead of thirty: the painting would cost more
+/// than the import that it announces.
+class CalmProgressBar final : public QProgressBar {
+  public:
+    using QProgressBar::QProgressBar;
+
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::StyleAnimationUpdate)
+            return QProgressBar::event(event);
+        event->accept();  // or the animation ends
+        if (!sinceFrame_.isValid() || sinceFrame_.hasExpired(frameInterval)) {
+            sinceFrame_.start();
+            update();
+        }
+        return true;
+    }
+
+  private:
+    static constexpr qint64 frameInterval = 90;  // milliseconds
+
+    QElapsedTimer sinceFrame_;
+};
+
 QLabel* makeLabel(const char* name, QWidget* parent) {
     auto* label = new QLabel(parent);
     label->setObjectName(name);
@@ -34,7 +59,7 @@ QLabel* makeLabel(const char* name, QWidget* parent) {
 ImportView::ImportView(const LocalizedStrings& strings)
     : widget_(new QWidget),
       description_(makeLabel("importDescription", widget_.get())),
-      bar_(new QProgressBar(widget_.get())),
+      bar_(new CalmProgressBar(widget_.get())),
       percentage_(makeLabel("importPercentage", widget_.get())) {
     widget_.get()->setObjectName("importView");
     bar_->setObjectName("importProgress");
