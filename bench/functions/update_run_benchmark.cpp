@@ -43,7 +43,6 @@ class ForgetfulFileManager final : public FileManager {
     std::error_code writeAtomically(const std::filesystem::path& /*path*/, ByteView /*content*/) override {
         return {};
     }
-    std::error_code flushFolder(const std::filesystem::path& /*path*/) override { return {}; }
     std::error_code copyItem(const std::filesystem::path& /*source*/,
                              const std::filesystem::path& /*destination*/) override {
         return {};

@@ -12,9 +12,6 @@ namespace corvane {
 
 namespace {
 
-/// One flush for many files costs a fraction of one for each, but the main thread waits for it.
-constexpr int reportsPerFlush = 64;
-
 std::filesystem::path reportFolder(FileManager& fileManager) {
     const auto container = fileManager.containerForApplicationGroup(applicationGroupIdentifier);
     if (!container)
@@ -50,16 +47,7 @@ std::optional<std::string> ReportStorage::createTempFile(const std::string& file
         fileManager_.createDirectoryAtPath(folder);  // without the folder the write fails, and says why
     if (const std::error_code error = fileManager_.writeAtomically(path, *text))
         log_.log(formatText("ERROR while saving report:%@", {error.message()}));
-    else if (++unflushedReports_ == reportsPerFlush)
-        flush();
     return path.native();
-}
-
-void ReportStorage::flush() {
-    if (std::exchange(unflushedReports_, 0) == 0)
-        return;
-    if (const std::error_code error = fileManager_.flushFolder(reportPath_))
-        log_.log(formatText("ERROR while saving report:%@", {error.message()}));
 }
 
 std::filesystem::path ReportStorage::filePathForReport(Date date, SaleDataReportType type,

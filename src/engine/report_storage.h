@@ -27,12 +27,7 @@ class ReportStorage {
     /// Unpacks the data and writes it, byte for byte, as a text file named after the service's file name: the
     /// part after the last "/", up to its first ".", with ".txt". Returns the path, also when the write
     /// failed, which is logged; absent when the unpacked data is no UTF-8 text, and then nothing is written.
-    /// Every 64 reports, what is written is flushed.
     std::optional<std::string> createTempFile(const std::string& filename, Bytes data);
-
-    /// Returns when every report written so far is on disk; a failure is logged. Costs nothing when there is
-    /// nothing to wait for.
-    void flush();
 
     /// Where the report of that date would be stored under the service's usual name.
     std::filesystem::path filePathForReport(Date date, SaleDataReportType type,
@@ -43,7 +38,6 @@ class ReportStorage {
     FileManager& fileManager_;
     Log& log_;
     std::filesystem::path reportPath_;
-    int unflushedReports_ = 0;
 };
 
 }  // namespace corvane

@@ -140,7 +140,6 @@ std::optional<std::string> ReportUpdateManager::store(ReportResult& result, Sale
 }
 
 void ReportUpdateManager::finish(const SignInError& signInError, const Run& run) {
-    storage_.flush();  // the cache must not know of a report that a power cut takes away
     setSelectedCache(run.downloadedKeys.keys());
     const std::optional<std::string> message = signInError.message();
     if (!message)

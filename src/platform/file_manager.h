@@ -24,17 +24,14 @@ class FileManager {
     /// Makes the folder with all missing ones above it; succeeds when it is there already.
     virtual std::error_code createDirectoryAtPath(const std::filesystem::path& path) = 0;
 
-    /// Writes the file beside its target under a hidden name and renames it over the target: for every
-    /// program the target is at any moment the old file or the new one, whole. It is on disk for certain
-    /// after the next `flushFolder`. A new file gets the mode 0666 less the umask, a replaced one keeps its
-    /// mode. A symbolic link at the target is replaced, not followed; a folder there, or a containing folder
-    /// that is a link or belongs to another user, is an error. After an error nothing is left behind.
+    /// Writes the file beside its target under a hidden name, flushes it to disk, renames it over the target
+    /// and flushes the folder: at any moment the target is the old file or the new one, whole. A new file
+    /// gets the mode 0666 less the umask, a replaced one keeps its mode. A symbolic link at the target is
+    /// replaced, not followed; a folder there, or a containing folder that is a link or belongs to another
+    /// user, is an error. After an error nothing is left behind.
     virtual std::error_code writeAtomically(const std::filesystem::path& path, ByteView content) = 0;
 
-    /// Returns when everything that was written in the folder is on disk, folders above it included.
-    virtual std::error_code flushFolder(const std::filesystem::path& path) = 0;
-
-    /// Copies one file, to the disk. An existing destination is never overwritten: that is an error.
+    /// Copies one file. An existing destination is never overwritten: that is an error.
     virtual std::error_code copyItem(const std::filesystem::path& source,
                                      const std::filesystem::path& destination) = 0;
 

@@ -131,34 +131,6 @@ TEST_F(ReportStorageTest, ReturnsThePathAndLogsTheErrorWhenTheFileCannotBeWritte
               "ERROR while saving report:" + std::make_error_code(std::errc::no_space_on_device).message());
 }
 
-TEST_F(ReportStorageTest, FlushesManyReportsAtOnceAndTheRestWhenAsked) {
-    for (int number = 0; number < 150; ++number) {
-        storage.createTempFile("report" + std::to_string(number), toBytes("text"));
-        EXPECT_LT(files.unflushedWrites(), 64);
-    }
-    EXPECT_EQ(files.flushes(), 2);
-
-    storage.flush();
-    EXPECT_EQ(files.unflushedWrites(), 0);
-    EXPECT_EQ(files.flushes(), 3);
-}
-
-TEST_F(ReportStorageTest, DoesNotWaitForTheDiskWithoutANewReport) {
-    storage.flush();
-    files.failWritesWith(std::make_error_code(std::errc::no_space_on_device));
-    storage.createTempFile("report.txt", toBytes("text"));
-    storage.flush();
-    EXPECT_EQ(files.flushes(), 0);
-}
-
-TEST_F(ReportStorageTest, LogsWhenReportsCannotBeFlushed) {
-    files.failFlushesWith(std::make_error_code(std::errc::io_error));
-    storage.createTempFile("report.txt", toBytes("text"));
-    storage.flush();
-    EXPECT_EQ(log.lines().back(),
-              "ERROR while saving report:" + std::make_error_code(std::errc::io_error).message());
-}
-
 TEST_F(ReportStorageTest, FindsTheReportOfADate) {
     const Date date = startOfLocalDay(std::chrono::year{2015} / 1 / 4);
     EXPECT_EQ(storage.filePathForReport(date, SaleDataReportType::Monthly, "80012345"),

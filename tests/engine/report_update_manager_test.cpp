@@ -341,15 +341,6 @@ TEST_F(ReportUpdateManagerTest, WritesTheCacheOnlyAtTheEndAndOnlyOnce) {
     EXPECT_EQ(defaults.synchronizeCount(), before + 1);
 }
 
-TEST_F(ReportUpdateManagerTest, EveryReportIsOnDiskBeforeTheCacheKnowsOfIt) {
-    addAccount("1");
-    files.whenFlushed([this] { EXPECT_FALSE(settings.reportsDownloadedCache()); });
-    run();
-    EXPECT_TRUE(settings.reportsDownloadedCache());
-    EXPECT_EQ(files.unflushedWrites(), 0);
-    EXPECT_GT(files.flushes(), 0);
-}
-
 TEST_F(ReportUpdateManagerTest, ACutOffRunLeavesTheCacheButKeepsItsFiles) {
     addAccount("1");
     fillCache([](const std::string& key) { return key == "20150617" || key == "2015"; });

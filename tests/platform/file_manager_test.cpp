@@ -80,13 +80,6 @@ TEST_P(FileManagerTest, writesAndReplacesFiles) {
     EXPECT_EQ(read("a.txt"), std::string("n\0w", 3));
 }
 
-TEST_P(FileManagerTest, flushesTheFoldersThatThereAre) {
-    ASSERT_FALSE(write("a.txt", "content"));
-    EXPECT_FALSE(files().flushFolder(path("")));
-    EXPECT_EQ(files().flushFolder(path("missing")), std::errc::no_such_file_or_directory);
-    EXPECT_EQ(read("a.txt"), "content");
-}
-
 TEST_P(FileManagerTest, makesFoldersWithAllAboveThem) {
     EXPECT_FALSE(files().createDirectoryAtPath(path("a/b/c")));
     EXPECT_TRUE(files().fileExistsAtPath(path("a/b/c")));

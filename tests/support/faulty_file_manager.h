@@ -1,8 +1,5 @@
 #pragma once
 
-#include <functional>
-#include <utility>
-
 #include "platform/memory/in_memory_file_manager.h"
 
 namespace corvane::test {
@@ -11,10 +8,6 @@ namespace corvane::test {
 class FaultyFileManager final : public FileManager {
   public:
     void failWritesWith(std::error_code error) { writeError_ = error; }
-    void failFlushesWith(std::error_code error) { flushError_ = error; }
-    int unflushedWrites() const { return unflushedWrites_; }
-    int flushes() const { return flushes_; }
-    void whenFlushed(std::function<void()> action) { whenFlushed_ = std::move(action); }
     void refuseContainers() { files_.refuseContainers(); }
     std::optional<Bytes> contentsAtPath(const std::filesystem::path& path) const {
         return files_.contentsAtPath(path);
@@ -27,15 +20,7 @@ class FaultyFileManager final : public FileManager {
         return files_.createDirectoryAtPath(path);
     }
     std::error_code writeAtomically(const std::filesystem::path& path, ByteView content) override {
-        ++unflushedWrites_;
         return writeError_ ? writeError_ : files_.writeAtomically(path, content);
-    }
-    std::error_code flushFolder(const std::filesystem::path& path) override {
-        unflushedWrites_ = 0;
-        ++flushes_;
-        if (whenFlushed_)
-            whenFlushed_();
-        return flushError_ ? flushError_ : files_.flushFolder(path);
     }
     std::error_code copyItem(const std::filesystem::path& source,
                              const std::filesystem::path& destination) override {
@@ -48,10 +33,6 @@ class FaultyFileManager final : public FileManager {
   private:
     InMemoryFileManager files_;
     std::error_code writeError_;
-    std::error_code flushError_;
-    int unflushedWrites_ = 0;
-    int flushes_ = 0;
-    std::function<void()> whenFlushed_;
 };
 
 }  // namespace corvane::test

@@ -18,10 +18,6 @@ std::error_code FailingFileManager::writeAtomically(const std::filesystem::path&
     return failsNow() ? error_ : files_.writeAtomically(path, content);
 }
 
-std::error_code FailingFileManager::flushFolder(const std::filesystem::path& path) {
-    return failsNow() ? error_ : files_.flushFolder(path);
-}
-
 std::error_code FailingFileManager::copyItem(const std::filesystem::path& source,
                                              const std::filesystem::path& destination) {
     return failsNow() ? error_ : files_.copyItem(source, destination);

@@ -51,12 +51,6 @@ std::error_code InMemoryFileManager::writeAtomically(const std::filesystem::path
     return {};
 }
 
-std::error_code InMemoryFileManager::flushFolder(const std::filesystem::path& path) {
-    if (!folders_.contains(normalized(path)))
-        return std::make_error_code(std::errc::no_such_file_or_directory);
-    return {};
-}
-
 std::error_code InMemoryFileManager::copyItem(const std::filesystem::path& source,
                                               const std::filesystem::path& destination) {
     if (folders_.contains(normalized(source)))

@@ -148,24 +148,20 @@ std::error_code AtomicFile::write(ByteView content) {
 }
 
 std::error_code AtomicFile::commit() {
-    if (options_.flush == AtomicFileFlush::Later)
-        return moveIntoPlace();
     if (const std::error_code error = synchronize(file_.number()))
         return error;
     if (const std::error_code error = moveIntoPlace())
         return error;
+    temporaryName_.clear();
     return synchronize(folder_.number());
 }
 
 std::error_code AtomicFile::moveIntoPlace() {
     const int folder = folder_.number();
-    if (options_.target == AtomicFileTarget::MustBeFree) {
-        if (const auto error = renameToFreeName(folder, temporaryName_.c_str(), targetName_.c_str()))
-            return error;
-    } else if (renameat(folder, temporaryName_.c_str(), folder, targetName_.c_str()) != 0) {
+    if (options_.target == AtomicFileTarget::MustBeFree)
+        return renameToFreeName(folder, temporaryName_.c_str(), targetName_.c_str());
+    if (renameat(folder, temporaryName_.c_str(), folder, targetName_.c_str()) != 0)
         return lastError();
-    }
-    temporaryName_.clear();
     return {};
 }
 
@@ -183,13 +179,6 @@ std::error_code writeFileAtomically(const std::filesystem::path& path, ByteView 
     if (const std::error_code error = file.write(content))
         return error;
     return file.commit();
-}
-
-std::error_code flushFileSystem(const std::filesystem::path& folder) {
-    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!descriptor.isOpen() || syncfs(descriptor.number()) != 0)
-        return lastError();
-    return {};
 }
 
 void removeLeftOvers(const std::filesystem::path& folder) {

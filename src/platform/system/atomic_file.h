@@ -27,21 +27,15 @@ enum class AtomicFileTarget {
     MustBeFree,  ///< anything there is an error
 };
 
-enum class AtomicFileFlush {
-    AtOnce,  ///< before the file appears; its name is on disk, too, when the commit returns
-    Later,   ///< at the next `flushFileSystem`, or when the system gets to it
-};
-
 struct AtomicFileOptions {
     AtomicFileMode mode = AtomicFileMode::Ordinary;
     AtomicFileFolder folder = AtomicFileFolder::MustBeOwn;
     AtomicFileTarget target = AtomicFileTarget::MayExist;
-    AtomicFileFlush flush = AtomicFileFlush::AtOnce;
 };
 
 /// A file that appears under its name whole or not at all. It is written under a hidden name beside its
-/// target; `commit` flushes it to disk, renames it over the target and flushes the folder, unless the flush
-/// is to come later. Without a successful commit nothing is left behind, and the target is as it was.
+/// target; `commit` flushes it to disk, renames it over the target and flushes the folder. Without a
+/// successful commit nothing is left behind, and the target is as it was.
 class AtomicFile {
   public:
     AtomicFile() = default;
@@ -77,9 +71,6 @@ class AtomicFile {
 /// All three steps in one.
 std::error_code writeFileAtomically(const std::filesystem::path& path, ByteView content,
                                     const AtomicFileOptions& options);
-
-/// Returns when everything is on disk that was written to the folder's file system so far.
-std::error_code flushFileSystem(const std::filesystem::path& folder);
 
 /// Removes what killed processes have left in the folder: regular files of this user under the hidden names
 /// that AtomicFile makes. Only for a process that knows that no other one is writing there; a missing folder

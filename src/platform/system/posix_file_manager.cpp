@@ -70,11 +70,7 @@ std::error_code PosixFileManager::createDirectoryAtPath(const std::filesystem::p
 }
 
 std::error_code PosixFileManager::writeAtomically(const std::filesystem::path& path, ByteView content) {
-    return writeFileAtomically(path, content, {.flush = AtomicFileFlush::Later});
-}
-
-std::error_code PosixFileManager::flushFolder(const std::filesystem::path& path) {
-    return flushFileSystem(path);
+    return writeFileAtomically(path, content, {});
 }
 
 std::error_code PosixFileManager::copyItem(const std::filesystem::path& source,
