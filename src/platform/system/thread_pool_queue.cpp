@@ -3,10 +3,12 @@
 #include <condition_variable>
 #include <csignal>
 #include <deque>
+#include <map>
 #include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "platform/fatal_error.h"
 
@@ -22,6 +24,8 @@ struct ThreadPoolQueue::State {
     std::condition_variable threadEnded;
     std::deque<Task> tasks;
     std::size_t threads = 0;
+    std::map<std::thread::id, std::thread> handles;  ///< of all threads, until `stop` gives some of them up
+    std::vector<std::thread> endedThreads;           ///< done with their tasks, and still to be joined
     std::size_t idleThreads = 0;
     bool isStopped = false;
 
@@ -49,6 +53,10 @@ void ThreadPoolQueue::State::run() {
         task = nullptr;  // what it holds is released without the lock
         lock.lock();
     }
+    // Libraries clean up after a thread when it ends, so it has to be joined before the process goes on to
+    // its end.
+    if (auto self = handles.extract(std::this_thread::get_id()))
+        endedThreads.push_back(std::move(self.mapped()));
     --threads;
     threadEnded.notify_all();
 }
@@ -71,14 +79,19 @@ class SignalBlocker {
     sigset_t previousMask_{};
 };
 
-bool startThread(const std::function<void()>& work) {
+/// Not joinable when the system has no thread left.
+std::thread startThread(const std::function<void()>& work) {
     const SignalBlocker blocker;
     try {
-        std::thread(work).detach();
-        return true;
+        return std::thread(work);
     } catch (const std::system_error&) {
-        return false;
+        return {};
     }
+}
+
+void join(std::vector<std::thread>& threads) {
+    for (std::thread& thread : threads)
+        thread.join();
 }
 
 }  // namespace
@@ -90,27 +103,48 @@ ThreadPoolQueue::~ThreadPoolQueue() {
 }
 
 void ThreadPoolQueue::async(Task task) {
-    const std::lock_guard lock(state_->mutex);
-    if (state_->isStopped)
-        return;
-    state_->tasks.push_back(std::move(task));
-    const bool needsThread = state_->tasks.size() > state_->idleThreads;
-    if (needsThread && state_->threads < state_->limits.maximumThreads) {
-        if (startThread([state = state_] { state->run(); }))
-            ++state_->threads;
-        else if (state_->threads == 0)
-            fatalError("no thread can be started");
+    std::vector<std::thread> ended;
+    {
+        const std::lock_guard lock(state_->mutex);
+        if (state_->isStopped)
+            return;
+        ended.swap(state_->endedThreads);
+        state_->tasks.push_back(std::move(task));
+        const bool needsThread = state_->tasks.size() > state_->idleThreads;
+        if (needsThread && state_->threads < state_->limits.maximumThreads)
+            addThread();
+        state_->workOrStop.notify_one();
     }
-    state_->workOrStop.notify_one();
+    join(ended);
+}
+
+// With the lock held: the new thread waits for it, and finds itself in the list.
+void ThreadPoolQueue::addThread() {
+    std::thread thread = startThread([state = state_] { state->run(); });
+    if (thread.joinable()) {
+        const std::thread::id identifier = thread.get_id();
+        state_->handles.emplace(identifier, std::move(thread));
+        ++state_->threads;
+    } else if (state_->threads == 0) {
+        fatalError("no thread can be started");
+    }
 }
 
 bool ThreadPoolQueue::stop(std::chrono::milliseconds limit) {
     std::deque<Task> dropped;
+    std::vector<std::thread> ended;
     std::unique_lock lock(state_->mutex);
     state_->isStopped = true;
     dropped.swap(state_->tasks);
     state_->workOrStop.notify_all();
-    return state_->threadEnded.wait_for(lock, limit, [this] { return state_->threads == 0; });
+    const bool allEnded = state_->threadEnded.wait_for(lock, limit, [this] { return state_->threads == 0; });
+    for (auto& [identifier, thread] : state_->handles)
+        thread.detach();
+    state_->handles.clear();
+    ended.swap(state_->endedThreads);
+    lock.unlock();
+    join(ended);
+    return allEnded;
 }
 
 std::size_t ThreadPoolQueue::threadCount() const {

@@ -41,6 +41,8 @@ class ThreadPoolQueue final : public BackgroundQueue {
   private:
     struct State;
 
+    void addThread();
+
     std::shared_ptr<State> state_;
 };
 
