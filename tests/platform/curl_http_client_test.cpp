@@ -332,6 +332,11 @@ TEST_F(CurlHttpClientTest, namesWhatWentWrongBeforeAConnectionStood) {
     expectFailure(askFor(""), "bad URL");
 }
 
+TEST_F(CurlHttpClientTest, waitsAMinuteInSilenceAndHalfAMinuteForAConnectionUnlessToldOtherwise) {
+    EXPECT_EQ(CurlHttpClientOptions().idleLimit, 60s);
+    EXPECT_EQ(CurlHttpClientOptions().connectLimit, 30s);
+}
+
 TEST_F(CurlHttpClientTest, endsARequestAfterTheLongestSilence) {
     const auto start = std::chrono::steady_clock::now();
     LoopbackServer server([](ServerConnection& connection) { connection.waitForEnd(); });

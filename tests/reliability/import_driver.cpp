@@ -90,7 +90,7 @@ int importRuns(char** arguments) {
     CurlHttpClientOptions options;
     options.caFile = arguments[3];
     options.idleLimit = std::chrono::milliseconds(std::atoi(arguments[4]));
-    options.connectLimit = options.idleLimit;
+    options.connectLimit = std::min(options.connectLimit, options.idleLimit);
     Import import(arguments[1], arguments[2], std::move(options));
     const int runs = std::atoi(arguments[5]);
     for (int number = 1; number <= runs; ++number)
