@@ -30,12 +30,23 @@ void EngineOnDisk::addAccount(const std::string& vendorID) {
 }
 
 void EngineOnDisk::fillCacheExceptDays(std::size_t count) {
+    fillCacheExcept({{SaleDataReportType::Daily, count}});
+}
+
+void EngineOnDisk::fillCacheExceptNewest(std::size_t count) {
+    std::map<SaleDataReportType, std::size_t> missing;
+    for (const SaleDataReportType type : allReportTypes)
+        missing[type] = count;
+    fillCacheExcept(missing);
+}
+
+void EngineOnDisk::fillCacheExcept(const std::map<SaleDataReportType, std::size_t>& missing) {
     settings.setReportsDownloadedCache(std::nullopt);
     ReportKeys keys;
     for (const SaleDataReportType type : allReportTypes) {
         std::vector<Date> dates = manager.dueReportDates(type);
-        if (type == SaleDataReportType::Daily)
-            dates.resize(dates.size() - count);
+        if (const auto count = missing.find(type); count != missing.end())
+            dates.resize(dates.size() - count->second);
         for (const Date date : dates)
             keys.push_back(reportKey(date, type));
     }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -47,6 +48,9 @@ struct EngineOnDisk {
 
     /// Makes every report fetched already but the newest days.
     void fillCacheExceptDays(std::size_t count);
+    /// Makes every report fetched already but the newest ones of each type. A key that two types share may be
+    /// there all the same.
+    void fillCacheExceptNewest(std::size_t count);
     /// The keys of all dates that are due now.
     std::set<std::string> dueKeys() const;
 
@@ -70,6 +74,9 @@ struct EngineOnDisk {
     int answers = 0;
     int finishes = 0;
     std::vector<std::string> paths;
+
+  private:
+    void fillCacheExcept(const std::map<SaleDataReportType, std::size_t>& missing);
 };
 
 /// The lines that start with the text.

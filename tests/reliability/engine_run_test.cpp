@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
+#include <set>
 #include <thread>
+#include <utility>
 
 #include "platform/memory/manual_background_queue.h"
 #include "platform/memory/scripted_http_client.h"
@@ -52,7 +54,7 @@ TEST(EngineThreads, EightAccountsOfFourTypesOverManyRuns) {
         engine.settings.setITunesAccounts(ITunesAccountList{});
         for (int number = 0; number < accounts; ++number)
             engine.addAccount(std::to_string(4711 + number));
-        engine.fillCacheExceptDays(9);
+        engine.fillCacheExceptNewest(9);
         engine.startRun();
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (engine.finishes == 0 && std::chrono::steady_clock::now() < deadline) {
@@ -60,7 +62,11 @@ TEST(EngineThreads, EightAccountsOfFourTypesOverManyRuns) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
         ASSERT_EQ(engine.finishes, 1);
-        EXPECT_GE(engine.answers, accounts * typeCount);
+        std::set<std::pair<std::string, std::string>> lists;
+        for (const HttpRequest& request : http.requests())
+            lists.emplace(formFields(request.body).at("VNDNUMBER"), formFields(request.body).at("DATETYPE"));
+        EXPECT_EQ(lists.size(), static_cast<std::size_t>(accounts * typeCount));
+        EXPECT_GE(engine.answers, static_cast<int>(http.requests().size()));
         ASSERT_TRUE(queue.stop(std::chrono::seconds(10)));
     }
 }
