@@ -37,6 +37,25 @@ void inChild(const std::function<void()>& work) {
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS) << "status " << status;
 }
 
+/// Puts a disk of 96 KiB in place of the folder; for a child, with whose end it is gone.
+void mountSmallDisk(const std::filesystem::path& folder) {
+    const uid_t user = geteuid();
+    const gid_t group = getegid();
+    // Root mounts in a namespace of its own; others need a user namespace, too, to be root in.
+    const int userNamespace = user == 0 ? 0 : CLONE_NEWUSER;
+    ASSERT_EQ(unshare(userNamespace | CLONE_NEWNS), 0) << "namespaces are needed to mount a small disk";
+    if (userNamespace != 0) {
+        std::ofstream("/proc/self/setgroups") << "deny";
+        std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
+        std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
+    }
+    mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr);  // nobody else sees the disk
+    std::filesystem::create_directories(folder);
+    ASSERT_EQ(mount("none", folder.c_str(), "tmpfs", 0, "size=96k"), 0);
+}
+
+constexpr uid_t ordinaryUser = 12345;
+
 class HostilePlaceTest : public testing::Test {
   protected:
     std::filesystem::path folder() const { return EngineOnDisk::reportFolder(home_.path()); }
@@ -74,20 +93,7 @@ class HostilePlaceTest : public testing::Test {
 
 TEST_F(HostilePlaceTest, AFullDisk) {
     inChild([this] {
-        const uid_t user = geteuid();
-        const gid_t group = getegid();
-        // Root mounts in a namespace of its own; others need a user namespace, too, to be root in.
-        const int userNamespace = user == 0 ? 0 : CLONE_NEWUSER;
-        ASSERT_EQ(unshare(userNamespace | CLONE_NEWNS), 0) << "namespaces are needed to mount a small disk";
-        if (userNamespace != 0) {
-            std::ofstream("/proc/self/setgroups") << "deny";
-            std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
-            std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
-        }
-        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr);  // nobody else sees the disk
-        const auto data = home_.path() / "data";
-        std::filesystem::create_directories(data);
-        ASSERT_EQ(mount("none", data.c_str(), "tmpfs", 0, "size=96k"), 0);
+        ASSERT_NO_FATAL_FAILURE(mountSmallDisk(home_.path() / "data"));
         // Two reports of 40,000 bytes fit, a third one does not.
         importInto(1, answerWithLongReport);
         std::size_t whole = 0;
@@ -98,10 +104,35 @@ TEST_F(HostilePlaceTest, AFullDisk) {
     });
 }
 
+TEST_F(HostilePlaceTest, AFullDiskUnderTheSettings) {
+    inChild([this] {
+        const auto file = EngineOnDisk::settingsFile(home_.path());
+        ASSERT_NO_FATAL_FAILURE(mountSmallDisk(file.parent_path()));
+        const auto filler = file.parent_path() / "filler";
+        InMemoryLog log;
+        const ManualClock clock;
+        PropertyListFileStore store(file, log, clock);
+        store.setObject("key", "old");
+        ASSERT_TRUE(store.synchronize());
+        writeFile(filler, std::string(80'000, 'x'));
+        const std::string old = readFile(file);
+        store.setObject("key", std::string(40'000, 'n'));
+        EXPECT_FALSE(store.synchronize());
+        EXPECT_EQ(countLines(log, "settings file cannot be written:No space left on device"), 1U);
+        EXPECT_EQ(log.lines().size(), 1U);
+        EXPECT_EQ(readFile(file), old);
+        EXPECT_EQ(namesIn(file.parent_path()), (std::set<std::string>{"filler", "settings.plist"}));
+        // With room again nothing is lost.
+        std::filesystem::remove(filler);
+        EXPECT_TRUE(store.synchronize());
+        EXPECT_EQ(PropertyListFileStore(file, log, clock).objectForKey("key"),
+                  PropertyListValue(std::string(40'000, 'n')));
+    });
+}
+
 TEST_F(HostilePlaceTest, AFolderWithoutPermission) {
     ASSERT_EQ(chmod(home_.path().c_str(), 0777), 0);
     inChild([this] {
-        constexpr uid_t ordinaryUser = 12345;
         if (geteuid() == 0) {
             ASSERT_EQ(setuid(ordinaryUser), 0);
         }
@@ -160,16 +191,24 @@ TEST_F(HostilePlaceTest, ASymbolicLinkInPlaceOfTheFolder) {
 }
 
 TEST_F(HostilePlaceTest, AFolderOfSomebodyElse) {
-    std::filesystem::create_directories(folder());
-    if (geteuid() == 0) {
-        ASSERT_EQ(chown(folder().c_str(), 12345, 12345), 0);
-        importInto(missingDays);
-        EXPECT_TRUE(namesIn(folder()).empty());
+    if (geteuid() != 0) {
+        // Only root can give folders away; for everybody else the topmost one is another's.
+        PosixFileManager files("/");
+        EXPECT_EQ(files.writeAtomically("/corvane-test", asBytes("x")), std::errc::operation_not_permitted);
         return;
     }
-    // Only root can give folders away; for everybody else the folder of all users' folders is another's.
-    PosixFileManager files("/");
-    EXPECT_TRUE(files.writeAtomically("/corvane-test", asBytes("x")));
+    // Where anybody may write, but none of the folders above it is another's.
+    std::filesystem::create_directories(folder());
+    ASSERT_EQ(chmod(folder().c_str(), 0777), 0);
+    for (const auto& own : {home_.path(), home_.path() / "data", folder().parent_path()})
+        ASSERT_EQ(chown(own.c_str(), ordinaryUser, ordinaryUser), 0);
+    inChild([this] {
+        ASSERT_EQ(setuid(ordinaryUser), 0);
+        importInto(missingDays);
+        EXPECT_TRUE(namesIn(folder()).empty());
+        writeFile(folder() / "by hand", "the folder itself would take it");
+        EXPECT_EQ(namesIn(folder()).size(), 1U);
+    });
 }
 
 }  // namespace

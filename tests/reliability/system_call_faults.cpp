@@ -56,7 +56,9 @@ using corvane::test::SystemCallFaults;
 
 int __real_open(const char* path, int flags, ...);
 int __real_openat(int folder, const char* path, int flags, ...);
+ssize_t __real_read(int file, void* bytes, size_t count);
 ssize_t __real_write(int file, const void* bytes, size_t count);
+int __real_chmod(const char* path, mode_t mode);
 int __real_fchmod(int file, mode_t mode);
 int __real_renameat(int fromFolder, const char* from, int toFolder, const char* to);
 int __real_unlinkat(int folder, const char* path, int flags);
@@ -67,8 +69,10 @@ ssize_t __real_getrandom(void* bytes, size_t count, unsigned flags);
 
 int __wrap_open(const char* path, int flags, ...);
 int __wrap_openat(int folder, const char* path, int flags, ...);
+ssize_t __wrap_read(int file, void* bytes, size_t count);
 ssize_t __wrap_write(int file, const void* bytes, size_t count);
 int __wrap_fsync(int file);
+int __wrap_chmod(const char* path, mode_t mode);
 int __wrap_fchmod(int file, mode_t mode);
 int __wrap_renameat(int fromFolder, const char* from, int toFolder, const char* to);
 int __wrap_unlinkat(int folder, const char* path, int flags);
@@ -93,6 +97,10 @@ int __wrap_openat(int folder, const char* path, int flags, ...) {
     return SystemCallFaults::failsNow("openat") ? -1 : __real_openat(folder, path, flags, mode);
 }
 
+ssize_t __wrap_read(int file, void* bytes, size_t count) {
+    return SystemCallFaults::failsNow("read") ? -1 : __real_read(file, bytes, count);
+}
+
 ssize_t __wrap_write(int file, const void* bytes, size_t count) {
     return SystemCallFaults::failsNow("write") ? -1 : __real_write(file, bytes, count);
 }
@@ -101,6 +109,10 @@ ssize_t __wrap_write(int file, const void* bytes, size_t count) {
 // time.
 int __wrap_fsync(int /*file*/) {
     return SystemCallFaults::failsNow("fsync") ? -1 : 0;
+}
+
+int __wrap_chmod(const char* path, mode_t mode) {
+    return SystemCallFaults::failsNow("chmod") ? -1 : __real_chmod(path, mode);
 }
 
 int __wrap_fchmod(int file, mode_t mode) {
