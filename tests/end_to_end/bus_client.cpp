@@ -9,22 +9,27 @@
 namespace corvane::test {
 namespace {
 
-const QString connectionName = QStringLiteral("host");
 const QString programName = QStringLiteral("com.quessartolvinger.Corvane");
 const QString path = QStringLiteral("/com/quessartolvinger/DistributedNotificationCenter");
 const QString interfaceName = QStringLiteral("com.quessartolvinger.DistributedNotificationCenter");
 
+QString nextConnectionName() {
+    static int count = 0;
+    return QStringLiteral("host-%1").arg(++count);
+}
+
 }  // namespace
 
 BusClient::BusClient(const std::string& address)
-    : bus_(QDBusConnection::connectToBus(QString::fromStdString(address), connectionName)) {
+    : connectionName_(nextConnectionName()),
+      bus_(QDBusConnection::connectToBus(QString::fromStdString(address), connectionName_)) {
     bus_.connect({}, path, interfaceName,
                  QStringLiteral("reportUpdateViewControllerDidFinishDistributedNotification"), this,
                  SLOT(finished(const QDBusMessage&)));
 }
 
 BusClient::~BusClient() {
-    QDBusConnection::disconnectFromBus(connectionName);
+    QDBusConnection::disconnectFromBus(connectionName_);
 }
 
 bool BusClient::waitForProgram(bool isThere, std::chrono::milliseconds timeout) {
@@ -32,11 +37,18 @@ bool BusClient::waitForProgram(bool isThere, std::chrono::milliseconds timeout) 
                      timeout);
 }
 
+unsigned BusClient::programId() {
+    return bus_.interface()->servicePid(programName).value();
+}
+
 void BusClient::requestImport(const std::optional<std::string>& object) {
+    requestImportWith(object ? QVariantList{QString::fromStdString(*object)} : QVariantList());
+}
+
+void BusClient::requestImportWith(const QVariantList& arguments) {
     QDBusMessage message =
         QDBusMessage::createSignal(path, interfaceName, QStringLiteral("kNotificationCorvaneReloadData"));
-    if (object)
-        message << QString::fromStdString(*object);
+    message.setArguments(arguments);
     bus_.send(message);
 }
 

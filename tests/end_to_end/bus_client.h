@@ -2,6 +2,8 @@
 
 #include <QDBusConnection>
 #include <QObject>
+#include <QString>
+#include <QVariantList>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -20,8 +22,13 @@ class BusClient : public QObject {
     /// True when the program's name has an owner (or has none) in time.
     bool waitForProgram(bool isThere, std::chrono::milliseconds timeout);
 
+    /// The process that owns the program's name; 0 when none does.
+    unsigned programId();
+
     /// Asks with that object, or with none.
     void requestImport(const std::optional<std::string>& object);
+    /// Asks with arguments of any kind and number.
+    void requestImportWith(const QVariantList& arguments);
 
     /// True when that many ends, each without an object, have been announced in time.
     bool waitForFinishes(int count, std::chrono::milliseconds timeout);
@@ -33,6 +40,7 @@ class BusClient : public QObject {
     void finished(const QDBusMessage& message);
 
   private:
+    const QString connectionName_;  ///< those names are shared by the whole process
     QDBusConnection bus_;
     int finishes_ = 0;
 };
