@@ -13,7 +13,6 @@
 
 #include "platform/memory/manual_background_queue.h"
 #include "platform/memory/scripted_http_client.h"
-#include "platform/property_list/property_list_reader.h"
 #include "platform/system/atomic_file.h"
 #include "reliability/engine_on_disk.h"
 #include "reliability/rounds.h"
@@ -46,13 +45,11 @@ microseconds durationOf(const std::function<void()>& work) {
     return std::chrono::duration_cast<microseconds>(SteadyClock::now() - start);
 }
 
-PropertyListDictionary settingsOfSize(int size) {
-    PropertyListDictionary settings;
-    PropertyListArray keys;
-    for (int index = 0; index < size; ++index)
-        keys.emplace_back("key " + std::to_string(index));
-    settings.emplace("settingsKeyReportsDownloadedCache", std::move(keys));
-    return settings;
+ReportKeys keysOfCount(int count) {
+    ReportKeys keys;
+    for (int index = 0; index < count; ++index)
+        keys.push_back("key " + std::to_string(index));
+    return keys;
 }
 
 TEST(Kill, WhileSettingsAreSavedLeavesTheOldOrTheNewContent) {
@@ -64,8 +61,7 @@ TEST(Kill, WhileSettingsAreSavedLeavesTheOldOrTheNewContent) {
     const ManualClock clock;
     const auto save = [&](int size) {
         PropertyListFileStore store(file, log, clock);
-        store.setObject("settingsKeyReportsDownloadedCache",
-                        settingsOfSize(size).at("settingsKeyReportsDownloadedCache"));
+        SettingsManger(store).setReportsDownloadedCache(keysOfCount(size));
         return store.synchronize();
     };
     ASSERT_TRUE(save(smallSize));
@@ -81,11 +77,12 @@ TEST(Kill, WhileSettingsAreSavedLeavesTheOldOrTheNewContent) {
                     save(size);
             },
             microseconds(delay(random)));
-        const auto content = readPropertyList(toBytes(readFile(file)));
-        ASSERT_TRUE(content) << "torn in round " << round;
-        const bool isSmall = *content == PropertyListValue(settingsOfSize(smallSize));
-        ASSERT_TRUE(isSmall || *content == PropertyListValue(settingsOfSize(largeSize)))
-            << "mixed in round " << round;
+        PropertyListFileStore store(file, log, clock);
+        const std::optional<ReportKeys> keys = SettingsManger(store).reportsDownloadedCache();
+        ASSERT_TRUE(log.lines().empty()) << "torn in round " << round;
+        ASSERT_TRUE(keys) << "gone in round " << round;
+        const bool isSmall = *keys == keysOfCount(smallSize);
+        ASSERT_TRUE(isSmall || *keys == keysOfCount(largeSize)) << "mixed in round " << round;
         oldContents += isSmall ? 1 : 0;
     }
     removeLeftOvers(file.parent_path());
