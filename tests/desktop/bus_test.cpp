@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
-#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -240,7 +239,6 @@ TEST_F(BusTest, NoticesALostBusAndJoinsItAgainWithItsName) {
     EXPECT_TRUE(waitUntil([&] { return !listener.received.empty(); }));
     Program second;
     second.join();
-    std::optional<ApplicationService::Start> start;
     EXPECT_TRUE(waitUntil([&] {
         const QDBusConnection caller = second.bus.connection();
         QDBusMessage ask = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",

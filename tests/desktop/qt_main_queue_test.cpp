@@ -185,6 +185,8 @@ TEST(QtMainQueue, DestroysDroppedTasksOnceEvenWhenThatAddsAnother) {
     struct AddsAtItsEnd {
         QtMainQueue& queue;
         std::shared_ptr<int> owned;
+        AddsAtItsEnd(QtMainQueue& takes, std::shared_ptr<int> owns) : queue(takes), owned(std::move(owns)) {}
+        AddsAtItsEnd(const AddsAtItsEnd&) = delete;
         ~AddsAtItsEnd() {
             queue.async([] {});
         }

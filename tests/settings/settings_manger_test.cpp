@@ -171,17 +171,21 @@ TYPED_TEST(SettingsMangerTest, AccountsThatCannotBeReadLeaveThePropertyAndStayIn
     }
 }
 
-TYPED_TEST(SettingsMangerTest, CachesThatAreNoListsOfTextsLeaveThePropertyAndStayInTheDomain) {
-    const std::vector<PropertyListValue> values = {
+// Compilers differ in what a list in braces around a single list is.
+std::vector<PropertyListValue> noListsOfTexts() {
+    return {
         PropertyListArray{"2014", std::int64_t{2015}},
-        PropertyListArray{true},
-        PropertyListArray{PropertyListArray{"2014"}},
+        PropertyListArray(1, true),
+        PropertyListArray(1, PropertyListArray{"2014"}),
         "2014",
         std::int64_t{2014},
         PropertyListDictionary{{"2014", "2014"}},
         Bytes{1},
     };
-    for (const PropertyListValue& value : values) {
+}
+
+TYPED_TEST(SettingsMangerTest, CachesThatAreNoListsOfTextsLeaveThePropertyAndStayInTheDomain) {
+    for (const PropertyListValue& value : noListsOfTexts()) {
         this->store(cacheKey, value);
         this->store(liteCacheKey, value);
         SettingsManger settings(this->domain());
