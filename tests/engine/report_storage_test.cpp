@@ -5,8 +5,8 @@
 #include <string>
 
 #include "core/gzip_codec.h"
+#include "platform/memory/in_memory_file_manager.h"
 #include "platform/memory/in_memory_log.h"
-#include "support/faulty_file_manager.h"
 
 namespace corvane {
 namespace {
@@ -15,7 +15,7 @@ class ReportStorageTest : public testing::Test {
   protected:
     std::string pathOf(const std::string& name) const { return storage.reportPath() / name; }
 
-    test::FaultyFileManager files;
+    InMemoryFileManager files;
     InMemoryLog log;
     ReportStorage storage{files, log};
 };
@@ -29,7 +29,7 @@ TEST_F(ReportStorageTest, KeepsReportsInToImportOfTheSharedContainer) {
 }
 
 TEST(ReportStorageDeathTest, CannotBeMadeWithoutTheSharedContainer) {
-    test::FaultyFileManager files;
+    InMemoryFileManager files;
     files.refuseContainers();
     InMemoryLog log;
     EXPECT_DEATH(ReportStorage(files, log), "shared folder");

@@ -236,6 +236,18 @@ TEST(InMemoryFileManagerTest, listsAFolder) {
     EXPECT_TRUE(files.contentsOfDirectory("/missing").empty());
 }
 
+TEST(InMemoryFileManagerTest, refusesWritesAndKeepsTheOldContentWhileTheyAreToFail) {
+    InMemoryFileManager files;
+    ASSERT_FALSE(files.writeAtomically("/file", asBytes("old")));
+    files.failWritesWith(std::make_error_code(std::errc::no_space_on_device));
+    EXPECT_EQ(files.writeAtomically("/file", asBytes("new")), std::errc::no_space_on_device);
+    EXPECT_EQ(files.writeAtomically("/missing/file", asBytes("new")), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(files.contentsAtPath("/file"), toBytes("old"));
+    files.failWritesWith({});
+    EXPECT_FALSE(files.writeAtomically("/file", asBytes("new")));
+    EXPECT_EQ(files.contentsAtPath("/file"), toBytes("new"));
+}
+
 TEST(InMemoryFileManagerTest, canBeWithoutContainers) {
     InMemoryFileManager files;
     files.refuseContainers();

@@ -9,6 +9,7 @@
 
 #include "core/gzip_codec.h"
 #include "engine/report_update_manager.h"
+#include "platform/memory/in_memory_file_manager.h"
 #include "platform/memory/in_memory_key_value_store.h"
 #include "platform/memory/in_memory_log.h"
 #include "platform/memory/manual_background_queue.h"
@@ -17,7 +18,6 @@
 #include "platform/memory/scripted_alerts.h"
 #include "platform/memory/scripted_http_client.h"
 #include "platform/memory/source_language_strings.h"
-#include "support/faulty_file_manager.h"
 
 namespace corvane::test {
 
@@ -78,7 +78,7 @@ struct EngineEnvironment {
     ManualMainQueue mainQueue;
     ManualBackgroundQueue backgroundQueue;
     ScriptedHttpClient httpClient{[this](const HttpRequest& request) { return service(request); }};
-    FaultyFileManager files;
+    InMemoryFileManager files;
     ManualClock clock{startOfLocalDay(std::chrono::year{2015} / 6 / 17) + std::chrono::hours{12}};
     ScriptedAlerts alerts;
     LocalizedStrings& strings = *ownedStrings;

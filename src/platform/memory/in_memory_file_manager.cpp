@@ -47,6 +47,8 @@ std::error_code InMemoryFileManager::writeAtomically(const std::filesystem::path
     const std::filesystem::path target = normalized(path);
     if (folders_.contains(target))
         return std::make_error_code(std::errc::is_a_directory);
+    if (writeError_)
+        return writeError_;
     files_[target] = Bytes(content.begin(), content.end());
     return {};
 }

@@ -24,6 +24,10 @@ class InMemoryFileManager final : public FileManager {
     /// From now on there are no containers, as where none can be made.
     void refuseContainers() { hasContainers_ = false; }
 
+    /// From now on every write that could be made fails with `error`, as on a full disk; an empty error ends
+    /// that.
+    void failWritesWith(std::error_code error) { writeError_ = error; }
+
     /// Absent when there is no such file.
     std::optional<Bytes> contentsAtPath(const std::filesystem::path& path) const;
 
@@ -36,6 +40,7 @@ class InMemoryFileManager final : public FileManager {
     std::map<std::filesystem::path, Bytes> files_;
     std::set<std::filesystem::path> folders_{"/"};
     bool hasContainers_ = true;
+    std::error_code writeError_;
 };
 
 }  // namespace corvane
