@@ -17,11 +17,13 @@
 #include "platform/property_list/binary_property_list_writer.h"
 #include "platform/property_list/property_list_objects.h"
 #include "platform/property_list/property_list_reader.h"
-#include "settings/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace corvane {
 namespace {
 
+using test::readFile;
+using test::writeFile;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -65,9 +67,11 @@ class PropertyListFileStoreTest : public testing::Test {
 
     PropertyListFileStore open() { return {path_, log_, clock_}; }
 
-    void writeList(const PropertyListValue& value) { writeFile(path_, writeBinaryPropertyList(value)); }
+    void writeList(const PropertyListValue& value) {
+        writeFile(path_, asText(writeBinaryPropertyList(value)));
+    }
 
-    std::optional<PropertyListValue> storedList() const { return readPropertyList(readFile(path_)); }
+    std::optional<PropertyListValue> storedList() const { return readPropertyList(asBytes(readFile(path_))); }
 
     /// Sorted, hidden ones included.
     std::vector<std::string> filesInFolder() const {
@@ -84,7 +88,7 @@ class PropertyListFileStoreTest : public testing::Test {
         return status.st_mode & permissions;
     }
 
-    TemporaryFolder home_;
+    test::TemporaryFolder home_;
     std::filesystem::path folder_ = home_.path() / "config" / "corvane";
     std::filesystem::path path_ = folder_ / "settings.plist";
     std::filesystem::path aside_ = folder_ / "settings.plist.unreadable-20150104T010203Z";
@@ -110,7 +114,7 @@ TEST_F(PropertyListFileStoreTest, IsABinaryPropertyListForTheUserOnlyWhateverThe
         ASSERT_TRUE(succeeded) << mask;
         EXPECT_EQ(modeOf(path_), 0600U) << mask;
         EXPECT_EQ(modeOf(folder_), 0700U) << mask;
-        EXPECT_TRUE(asText(readFile(path_)).starts_with("bplist00")) << mask;
+        EXPECT_TRUE(readFile(path_).starts_with("bplist00")) << mask;
         EXPECT_THAT(filesInFolder(), ElementsAre("settings.plist")) << mask;
         std::filesystem::remove_all(home_.path() / "config");
     }
@@ -128,7 +132,7 @@ TEST_F(PropertyListFileStoreTest, AWriteClosesAFileAndAFolderThatWereOpenToOther
 }
 
 TEST_F(PropertyListFileStoreTest, ReadsTheXmlFormToo) {
-    writeFile(path_, asBytes("<plist><dict><key>key</key><string>value</string></dict></plist>"));
+    writeFile(path_, "<plist><dict><key>key</key><string>value</string></dict></plist>");
     PropertyListFileStore store = open();
     EXPECT_EQ(store.objectForKey("key"), PropertyListValue("value"));
     EXPECT_THAT(log_.lines(), IsEmpty());
@@ -145,31 +149,31 @@ TEST_F(PropertyListFileStoreTest, AFileThatIsNoDictionaryIsMovedAsideAndLogged) 
         Bytes(maximumPropertyListFileSize + 1, ' '),
     };
     for (const Bytes& content : contents) {
-        writeFile(path_, content);
+        writeFile(path_, asText(content));
         InMemoryLog log;
         PropertyListFileStore store(path_, log, clock_);
         EXPECT_EQ(store.objectForKey("key"), std::nullopt);
         EXPECT_THAT(filesInFolder(), ElementsAre("settings.plist.unreadable-20150104T010203Z"));
-        EXPECT_TRUE(readFile(aside_) == content);
+        EXPECT_TRUE(readFile(aside_) == asText(content));
         EXPECT_THAT(log.lines(), ElementsAre("unreadable settings file moved to:" + aside_.string()));
 
         store.setObject("key", "value");
         EXPECT_TRUE(store.synchronize());
         EXPECT_EQ(storedList(), PropertyListValue(PropertyListDictionary{{"key", "value"}}));
-        EXPECT_TRUE(readFile(aside_) == content);
+        EXPECT_TRUE(readFile(aside_) == asText(content));
         std::filesystem::remove_all(folder_);
     }
 }
 
 TEST_F(PropertyListFileStoreTest, AFileThatWasMovedAsideEarlierIsNeverReplaced) {
-    writeFile(aside_, asBytes("first"));
+    writeFile(aside_, "first");
     for (const char* content : {"second", "third"}) {
-        writeFile(path_, asBytes(content));
+        writeFile(path_, content);
         open();
     }
-    EXPECT_EQ(asText(readFile(aside_)), "first");
-    EXPECT_EQ(asText(readFile(aside_.string() + "-2")), "second");
-    EXPECT_EQ(asText(readFile(aside_.string() + "-3")), "third");
+    EXPECT_EQ(readFile(aside_), "first");
+    EXPECT_EQ(readFile(aside_.string() + "-2"), "second");
+    EXPECT_EQ(readFile(aside_.string() + "-3"), "third");
 }
 
 TEST_F(PropertyListFileStoreTest, WhatIsNoFileIsMovedAside) {
@@ -194,7 +198,7 @@ TEST_F(PropertyListFileStoreTest, AFileThatMayNotBeReadIsMovedAside) {
 }
 
 TEST_F(PropertyListFileStoreTest, AFileInALockedFolderIsLeftAlone) {
-    writeFile(path_, asBytes("not a property list"));
+    writeFile(path_, "not a property list");
     {
         const OrdinaryUser user(home_.path());
         chmod(folder_.c_str(), 0500);
@@ -203,7 +207,7 @@ TEST_F(PropertyListFileStoreTest, AFileInALockedFolderIsLeftAlone) {
         EXPECT_FALSE(store.synchronize());
         chmod(folder_.c_str(), 0700);
     }
-    EXPECT_EQ(asText(readFile(path_)), "not a property list");
+    EXPECT_EQ(readFile(path_), "not a property list");
     EXPECT_THAT(filesInFolder(), ElementsAre("settings.plist"));
 }
 
@@ -211,13 +215,13 @@ TEST_F(PropertyListFileStoreTest, AFileThatCannotBeMovedAsideIsNotOverwritten) {
     // No name is left to move it to: the name with the time is as long as a name can be.
     const std::string longName(255 - std::string_view(".unreadable-20150104T010203Z").size() + 1, 'x');
     path_ = folder_ / longName;
-    writeFile(path_, asBytes("not a property list"));
+    writeFile(path_, "not a property list");
     PropertyListFileStore store = open();
     store.setObject("key", "value");
     EXPECT_FALSE(store.synchronize());
     EXPECT_FALSE(store.synchronize());
     EXPECT_EQ(store.objectForKey("key"), PropertyListValue("value"));
-    EXPECT_EQ(asText(readFile(path_)), "not a property list");
+    EXPECT_EQ(readFile(path_), "not a property list");
     EXPECT_THAT(filesInFolder(), ElementsAre(longName));
     EXPECT_THAT(log_.lines(), ElementsAre("unreadable settings file cannot be moved:" + path_.string()));
 
@@ -253,7 +257,7 @@ TEST_F(PropertyListFileStoreTest, AKeyThatWasWrittenBeforeBelongsToWhoChangesItN
 
 TEST_F(PropertyListFileStoreTest, SynchronizeWithoutChangesOnlyReads) {
     PropertyListFileStore store = open();
-    const Bytes xml = toBytes("<plist><dict><key>key</key><true/></dict></plist>");
+    const std::string xml = "<plist><dict><key>key</key><true/></dict></plist>";
     writeFile(path_, xml);
     EXPECT_TRUE(store.synchronize());
     EXPECT_EQ(store.objectForKey("key"), PropertyListValue(true));
@@ -274,17 +278,17 @@ TEST_F(PropertyListFileStoreTest, AFileThatHasGoneIsWrittenWithAllThatWasKnown) 
 TEST_F(PropertyListFileStoreTest, AFileThatWasSpoiledMeanwhileIsMovedAsideAndWrittenAnew) {
     writeList(PropertyListDictionary{{"old", "1"}});
     PropertyListFileStore store = open();
-    writeFile(path_, asBytes("spoiled"));
+    writeFile(path_, "spoiled");
     store.setObject("new", "2");
     ASSERT_TRUE(store.synchronize());
-    EXPECT_EQ(asText(readFile(aside_)), "spoiled");
+    EXPECT_EQ(readFile(aside_), "spoiled");
     EXPECT_EQ(storedList(), PropertyListValue(PropertyListDictionary{{"old", "1"}, {"new", "2"}}));
 }
 
 TEST_F(PropertyListFileStoreTest, AFailedWriteLeavesTheOldFileAndIsMadeUpForLater) {
     writeList(PropertyListDictionary{{"old", "1"}});
     PropertyListFileStore store = open();
-    const Bytes before = readFile(path_);
+    const std::string before = readFile(path_);
     // More than can be read again is not written.
     store.setObject("large", Bytes(maximumPropertyListFileSize, 1));
     EXPECT_FALSE(store.synchronize());
@@ -314,12 +318,12 @@ TEST_F(PropertyListFileStoreTest, ADiskThatTakesNoMoreLeavesTheOldFileAndNothing
 }
 
 TEST_F(PropertyListFileStoreTest, AFolderThatCannotBeMadeIsAFailedWrite) {
-    writeFile(home_.path() / "config", asBytes("a file in the folder's place"));
+    writeFile(home_.path() / "config", "a file in the folder's place");
     PropertyListFileStore store = open();
     store.setObject("key", "value");
     EXPECT_FALSE(store.synchronize());
     EXPECT_EQ(store.objectForKey("key"), PropertyListValue("value"));
-    EXPECT_EQ(asText(readFile(home_.path() / "config")), "a file in the folder's place");
+    EXPECT_EQ(readFile(home_.path() / "config"), "a file in the folder's place");
 }
 
 TEST_F(PropertyListFileStoreTest, WithoutFreeDescriptorsNothingIsMovedOrWritten) {
@@ -341,7 +345,7 @@ TEST_F(PropertyListFileStoreTest, WithoutFreeDescriptorsNothingIsMovedOrWritten)
 TEST_F(PropertyListFileStoreTest, TheUsersLinkToAFileElsewhereIsReadAndReplacedOnWriting) {
     const std::filesystem::path elsewhere = home_.path() / "elsewhere.plist";
     const Bytes content = writeBinaryPropertyList(PropertyListDictionary{{"old", "1"}});
-    writeFile(elsewhere, content);
+    writeFile(elsewhere, asText(content));
     std::filesystem::create_directories(folder_);
     std::filesystem::create_symlink(elsewhere, path_);
     PropertyListFileStore store = open();
@@ -349,7 +353,7 @@ TEST_F(PropertyListFileStoreTest, TheUsersLinkToAFileElsewhereIsReadAndReplacedO
     store.setObject("new", "2");
     ASSERT_TRUE(store.synchronize());
     EXPECT_FALSE(std::filesystem::is_symlink(path_));
-    EXPECT_EQ(readFile(elsewhere), content);
+    EXPECT_EQ(readFile(elsewhere), asText(content));
 }
 
 }  // namespace

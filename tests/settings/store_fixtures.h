@@ -9,7 +9,7 @@
 #include "platform/memory/manual_clock.h"
 #include "platform/property_list/property_list_reader.h"
 #include "platform/system/property_list_file_store.h"
-#include "settings/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace corvane {
 
@@ -30,11 +30,11 @@ class FileStoreFixture {
     PropertyListDictionary stored() const {
         if (!std::filesystem::exists(path_))
             return {};
-        return *readPropertyList(readFile(path_)).value().get<PropertyListDictionary>();
+        return *readPropertyList(asBytes(test::readFile(path_))).value().get<PropertyListDictionary>();
     }
 
   private:
-    TemporaryFolder folder_;
+    test::TemporaryFolder folder_;
     std::filesystem::path path_ = folder_.path() / "config" / "corvane" / "settings.plist";
     InMemoryLog log_;
     ManualClock clock_;
