@@ -55,7 +55,7 @@ DbusNotificationCenter::~DbusNotificationCenter() {
 }
 
 void DbusNotificationCenter::addObserver(std::string_view name, Handler handler) {
-    observers_[std::string(name)].push_back(std::move(handler));
+    observers_.add(name, std::move(handler));
 }
 
 void DbusNotificationCenter::post(std::string_view name) {
@@ -105,13 +105,7 @@ bool DbusNotificationCenter::flush(std::chrono::milliseconds limit) {
 }
 
 void DbusNotificationCenter::receive(const QDBusMessage& message) {
-    const DistributedNotification notification = notificationOf(message);
-    const auto found = observers_.find(notification.name);
-    if (found == observers_.end())
-        return;
-    const std::vector<Handler> handlers = found->second;  // an observer may add another one meanwhile
-    for (const Handler& handler : handlers)
-        handler(notification);
+    observers_.notify(notificationOf(message));
 }
 
 }  // namespace corvane

@@ -4,13 +4,13 @@
 #include <QObject>
 #include <chrono>
 #include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "desktop/session_bus.h"
 #include "platform/distributed_notification_center.h"
 #include "platform/log.h"
+#include "platform/notification_observers.h"
 
 namespace corvane {
 
@@ -49,7 +49,7 @@ class DbusNotificationCenter final : public QObject, public DistributedNotificat
 
     SessionBus& bus_;
     Log& log_;
-    std::map<std::string, std::vector<Handler>, std::less<>> observers_;
+    NotificationObservers<DistributedNotification> observers_;
     std::vector<Unsent> unsent_;  ///< posted, and not known to have reached the bus
     std::uint64_t postCount_ = 0;
 };

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "platform/notification_observers.h"
 
 namespace corvane {
 
@@ -28,7 +28,7 @@ class NotificationCenter {
     void post(const Notification& notification) const;
 
   private:
-    std::map<std::string, std::vector<Handler>, std::less<>> observers_;
+    NotificationObservers<Notification> observers_;
 };
 
 }  // namespace corvane

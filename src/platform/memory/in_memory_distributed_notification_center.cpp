@@ -5,7 +5,7 @@
 namespace corvane {
 
 void InMemoryDistributedNotificationCenter::addObserver(std::string_view name, Handler handler) {
-    observers_[std::string(name)].push_back(std::move(handler));
+    observers_.add(name, std::move(handler));
 }
 
 void InMemoryDistributedNotificationCenter::post(std::string_view name) {
@@ -13,12 +13,7 @@ void InMemoryDistributedNotificationCenter::post(std::string_view name) {
 }
 
 void InMemoryDistributedNotificationCenter::deliver(const DistributedNotification& notification) const {
-    const auto found = observers_.find(notification.name);
-    if (found == observers_.end())
-        return;
-    const std::vector<Handler> handlers = found->second;  // an observer may add another one meanwhile
-    for (const Handler& handler : handlers)
-        handler(notification);
+    observers_.notify(notification);
 }
 
 }  // namespace corvane

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <map>
 #include <string>
 #include <vector>
 
 #include "platform/distributed_notification_center.h"
+#include "platform/notification_observers.h"
 
 namespace corvane {
 
@@ -21,7 +21,7 @@ class InMemoryDistributedNotificationCenter final : public DistributedNotificati
     const std::vector<std::string>& posted() const { return posted_; }
 
   private:
-    std::map<std::string, std::vector<Handler>, std::less<>> observers_;
+    NotificationObservers<DistributedNotification> observers_;
     std::vector<std::string> posted_;
 };
 
