@@ -77,7 +77,7 @@ class ImportTest : public EndToEndTest {
     }
 };
 
-TEST_F(ImportTest, fetchesEverythingOnceAndLaterOnlyWhatIsMissing) {
+TEST_F(ImportTest, FetchesEverythingOnceAndLaterOnlyWhatIsMissing) {
     startService();
     writeAccounts({ordinaryAccount}, {}, {});
     ChildProcessOptions monitorOptions;
@@ -131,7 +131,7 @@ TEST_F(ImportTest, fetchesEverythingOnceAndLaterOnlyWhatIsMissing) {
     EXPECT_EQ(cache(), laterCache);
 }
 
-TEST_F(ImportTest, sendsEveryTextInTheServicesEscapes) {
+TEST_F(ImportTest, SendsEveryTextInTheServicesEscapes) {
     startService();
     const std::vector<sys_days> missing = recentWorkdays(1);
     writeAccounts({{"jane+doe@example.com", "p%q&r=s#t[u\"v w", " 80 01"},
@@ -170,7 +170,7 @@ TEST_F(ImportTest, sendsEveryTextInTheServicesEscapes) {
     EXPECT_THAT(cache(), fullCache());
 }
 
-TEST_F(ImportTest, goesOnAfterFailuresThatLeaveNothingBehind) {
+TEST_F(ImportTest, GoesOnAfterFailuresThatLeaveNothingBehind) {
     startService();
     const std::vector<sys_days> days = recentWorkdays(9);
     writeAccountMissing(days);
@@ -209,7 +209,7 @@ TEST_F(ImportTest, goesOnAfterFailuresThatLeaveNothingBehind) {
     EXPECT_THAT(log(), HasSubstr("download not sucessfull"));
 }
 
-TEST_F(ImportTest, sendsNothingToAServiceThatItCannotTrust) {
+TEST_F(ImportTest, SendsNothingToAServiceThatItCannotTrust) {
     startService(demo::TlsVariant::selfSigned);
     const std::vector<sys_days> missing = recentWorkdays(1);
     writeAccountMissing(missing);
@@ -231,7 +231,7 @@ TEST_F(ImportTest, sendsNothingToAServiceThatItCannotTrust) {
     EXPECT_EQ(service_->requests().count(), 0U) << "an authority of before must not be trusted";
 }
 
-TEST_F(ImportTest, endsWithinASecondWhileARequestIsOpen) {
+TEST_F(ImportTest, EndsWithinASecondWhileARequestIsOpen) {
     startService();
     writeAccountMissing(recentWorkdays(3));
     service_->setBehaviour([](const demo::ReportRequest&) {
@@ -245,7 +245,7 @@ TEST_F(ImportTest, endsWithinASecondWhileARequestIsOpen) {
     EXPECT_THAT(cache(), Not(Contains(keyOf(ReportDateType::daily, recentWorkdays(1).front()))));
 }
 
-TEST_F(ImportTest, isStartedByTheBusForAScript) {
+TEST_F(ImportTest, IsStartedByTheBusForAScript) {
     startService();
     writeAccountMissing(recentWorkdays(1));
     bus_->addService("com.quessartolvinger.Corvane", TEST_PROGRAM);

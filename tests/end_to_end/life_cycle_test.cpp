@@ -28,7 +28,7 @@ Bytes archiveOfAMacAsBytes() {
     return {bytes.begin(), bytes.end()};
 }
 
-TEST_F(LifeCycleTest, readsTheSettingsOfAMac) {
+TEST_F(LifeCycleTest, ReadsTheSettingsOfAMac) {
     writeSettings({{"settingsKeyItunesAccounts", archiveOfAMacAsBytes()},
                    {"NSWindow Frame settings", "196 240 480 270 0 0 1440 877"}});
     startProgram();
@@ -52,7 +52,7 @@ TEST_F(LifeCycleTest, readsTheSettingsOfAMac) {
     EXPECT_TRUE(written.contains("NSWindow Frame settings")) << "a foreign key was lost";
 }
 
-TEST_F(LifeCycleTest, movesUnreadableSettingsAsideAndStaysTheOnlyInstance) {
+TEST_F(LifeCycleTest, MovesUnreadableSettingsAsideAndStaysTheOnlyInstance) {
     writeFile(settingsFile(), "this was never a property list");
     startProgram();
     std::string aside;

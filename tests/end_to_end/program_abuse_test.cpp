@@ -49,7 +49,7 @@ class ProgramAbuseTest : public EndToEndTest {
     }
 };
 
-TEST_F(ProgramAbuseTest, bearsWhateverIsSentToItAndEndsEachRunOnce) {
+TEST_F(ProgramAbuseTest, BearsWhateverIsSentToItAndEndsEachRunOnce) {
     startProgram();
     const QString megabyte(1 << 20, QLatin1Char('x'));
     const QString deep = QString(100'000, QLatin1Char('[')) + QString(100'000, QLatin1Char(']'));
@@ -84,7 +84,7 @@ TEST_F(ProgramAbuseTest, bearsWhateverIsSentToItAndEndsEachRunOnce) {
     EXPECT_EQ(program_->waitForExit(patience), 0);
 }
 
-TEST_F(ProgramAbuseTest, endsEachOfManyRunsOnce) {
+TEST_F(ProgramAbuseTest, EndsEachOfManyRunsOnce) {
     startProgram();
     const int requests = rounds(50, 1000);
     const auto start = steady_clock::now();
@@ -98,7 +98,7 @@ TEST_F(ProgramAbuseTest, endsEachOfManyRunsOnce) {
                 requests, whole.count());
 }
 
-TEST_F(ProgramAbuseTest, hasOneOwnerAfterEachRaceOfStarts) {
+TEST_F(ProgramAbuseTest, HasOneOwnerAfterEachRaceOfStarts) {
     constexpr std::size_t racers = 4;
     for (int round = 0; round < rounds(3, 50); ++round) {
         SCOPED_TRACE(round);

@@ -50,7 +50,7 @@ class ProgramBusTest : public EndToEndTest {
     }
 };
 
-TEST_F(ProgramBusTest, announcesTheEndOfAnImportOnceTheBusIsBack) {
+TEST_F(ProgramBusTest, AnnouncesTheEndOfAnImportOnceTheBusIsBack) {
     loseTheBusDuringAnImport(demo::Content::noReport);
     ASSERT_TRUE(waitForLog("download not sucessfull")) << log();
     EXPECT_TRUE(program_->isRunning());
@@ -67,7 +67,7 @@ TEST_F(ProgramBusTest, announcesTheEndOfAnImportOnceTheBusIsBack) {
     EXPECT_THAT(log(), Not(HasSubstr(loss)));
 }
 
-TEST_F(ProgramBusTest, logsTheLossOfWhatItCouldNotAnnounceToTheEnd) {
+TEST_F(ProgramBusTest, LogsTheLossOfWhatItCouldNotAnnounceToTheEnd) {
     loseTheBusDuringAnImport(demo::Content::report);
     EXPECT_EQ(program_->waitForExit(patience), 0) << log();
     EXPECT_THAT(log(), HasSubstr(loss));
@@ -75,7 +75,7 @@ TEST_F(ProgramBusTest, logsTheLossOfWhatItCouldNotAnnounceToTheEnd) {
     EXPECT_THAT(cache(), Contains(keyOf(demo::ReportDateType::daily, recentWorkdays(1).front())));
 }
 
-TEST_F(ProgramBusTest, goesOnWithoutABusAndEndsWhenAsked) {
+TEST_F(ProgramBusTest, GoesOnWithoutABusAndEndsWhenAsked) {
     bus_->end();
     program_ = startedProcess();
     ASSERT_TRUE(waitForLog("no session bus")) << log();
@@ -85,7 +85,7 @@ TEST_F(ProgramBusTest, goesOnWithoutABusAndEndsWhenAsked) {
     EXPECT_THAT(log(), Not(HasSubstr(loss)));
 }
 
-TEST_F(ProgramBusTest, takesRequestsOnceThereIsABus) {
+TEST_F(ProgramBusTest, TakesRequestsOnceThereIsABus) {
     startService();
     writeAccounts({{"jane@example.com", "secret", "80012345"}}, fullCacheWithout(recentWorkdays(1)),
                   fullCache());

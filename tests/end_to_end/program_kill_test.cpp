@@ -124,7 +124,7 @@ class ProgramKillTest : public EndToEndTest {
     demo::MadeUpReportSource source_;
 };
 
-TEST_F(ProgramKillTest, leavesWholeFilesAndFetchesExactlyWhatIsMissingNext) {
+TEST_F(ProgramKillTest, LeavesWholeFilesAndFetchesExactlyWhatIsMissingNext) {
     startService();
     // Each answer is stored two seconds after it came; so the files of a run come one after the other.
     service_->setBehaviour([](const demo::ReportRequest&) {

@@ -29,7 +29,7 @@ class ProgramSecretTest : public EndToEndTest, public testing::WithParamInterfac
     const mode_t previousMask_;
 };
 
-TEST_P(ProgramSecretTest, isToldToTheServiceAlone) {
+TEST_P(ProgramSecretTest, IsToldToTheServiceAlone) {
     startService();
     writeAccounts({{"jane@example.com", password, "80012345"}}, fullCacheWithout(recentWorkdays(2)),
                   fullCache());

@@ -15,7 +15,7 @@ std::string joined(const std::vector<std::string>& texts) {
     return all;
 }
 
-TEST(ArgumentsTest, readsEveryForm) {
+TEST(ArgumentsTest, ReadsEveryForm) {
     struct Row {
         std::vector<std::string> arguments;
         bool isLite;
@@ -41,7 +41,7 @@ TEST(ArgumentsTest, readsEveryForm) {
     }
 }
 
-TEST(ArgumentsTest, refusesWhatItDoesNotKnow) {
+TEST(ArgumentsTest, RefusesWhatItDoesNotKnow) {
     const std::vector<std::vector<std::string>> rows{{"--timeout"},
                                                      {"--timeout", ""},
                                                      {"--timeout="},
@@ -72,14 +72,14 @@ TEST(ArgumentsTest, refusesWhatItDoesNotKnow) {
     }
 }
 
-TEST(ArgumentsTest, letsTheFirstDecide) {
+TEST(ArgumentsTest, LetsTheFirstDecide) {
     EXPECT_EQ(parseArguments({"--help", "--nonsense"}).action, Action::showHelp);
     EXPECT_EQ(parseArguments({"-h"}).action, Action::showHelp);
     EXPECT_EQ(parseArguments({"--lite", "--version", "--help"}).action, Action::showVersion);
     EXPECT_EQ(parseArguments({"--nonsense", "--help"}).action, Action::refuse);
 }
 
-TEST(ArgumentsTest, namesTheMistake) {
+TEST(ArgumentsTest, NamesTheMistake) {
     EXPECT_EQ(parseArguments({"--fast"}).problem, "unknown option: --fast");
     EXPECT_EQ(parseArguments({"fast"}).problem, "unexpected argument: fast");
     EXPECT_EQ(parseArguments({"--timeout"}).problem, "--timeout needs a number of seconds");

@@ -82,7 +82,7 @@ class ImportCommandTest : public testing::Test {
     std::unique_ptr<ChildProcess> programProcess_;
 };
 
-TEST_F(ImportCommandTest, asksTheRunningProgramAndNamesWhatCame) {
+TEST_F(ImportCommandTest, AsksTheRunningProgramAndNamesWhatCame) {
     writeFile(reportFolder() / "S_D_0.txt", "earlier");
     runProgram("write");
     EXPECT_EQ(run(), 0) << errors();
@@ -93,64 +93,64 @@ TEST_F(ImportCommandTest, asksTheRunningProgramAndNamesWhatCame) {
     EXPECT_EQ(errors(), "");
 }
 
-TEST_F(ImportCommandTest, namesRewrittenReportsAgain) {
+TEST_F(ImportCommandTest, NamesRewrittenReportsAgain) {
     runProgram("write");
     EXPECT_EQ(run(), 0);
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(output(), EndsWith("Import finished: 3 new reports.\n"));
 }
 
-TEST_F(ImportCommandTest, asksForTheLiteEdition) {
+TEST_F(ImportCommandTest, AsksForTheLiteEdition) {
     runProgram("finish");
     EXPECT_EQ(run({"--lite", "--timeout", "15"}), 0) << errors();
     EXPECT_EQ(asked(), "{\"isLite\": true}\n");
     EXPECT_EQ(output(), "Import finished: no new reports.\n");
 }
 
-TEST_F(ImportCommandTest, startsTheProgramThroughTheBus) {
+TEST_F(ImportCommandTest, StartsTheProgramThroughTheBus) {
     bus_->addService(programName, std::string(FAKE_PROGRAM) + " write");
     EXPECT_EQ(run(), 0) << errors();
     EXPECT_EQ(asked(), "{\"isLite\": false}\n");
     EXPECT_THAT(output(), EndsWith("Import finished: 3 new reports.\n"));
 }
 
-TEST_F(ImportCommandTest, takesNoEndForItsOwnThatWasAnnouncedBeforeItAsked) {
+TEST_F(ImportCommandTest, TakesNoEndForItsOwnThatWasAnnouncedBeforeItAsked) {
     bus_->addService(programName, std::string(FAKE_PROGRAM) + " finish-early");
     EXPECT_EQ(run(), 0) << errors();
     EXPECT_EQ(asked(), "{\"isLite\": false}\n");
 }
 
-TEST_F(ImportCommandTest, countsAnEndWhoseProgramLeavesAtOnce) {
+TEST_F(ImportCommandTest, CountsAnEndWhoseProgramLeavesAtOnce) {
     runProgram("finish-and-leave");
     EXPECT_EQ(run(), 0) << errors();
 }
 
-TEST_F(ImportCommandTest, saysThatTheProgramCannotBeStarted) {
+TEST_F(ImportCommandTest, SaysThatTheProgramCannotBeStarted) {
     EXPECT_EQ(run(), 1);
     EXPECT_THAT(errors(), StartsWith("corvane-import: Corvane cannot be started: "));
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(ImportCommandTest, saysThatAStartedProgramFails) {
+TEST_F(ImportCommandTest, SaysThatAStartedProgramFails) {
     bus_->addService(programName, "/bin/false");
     EXPECT_EQ(run(), 1);
     EXPECT_THAT(errors(), StartsWith("corvane-import: Corvane cannot be started: "));
 }
 
-TEST_F(ImportCommandTest, saysThatThereIsNoBus) {
+TEST_F(ImportCommandTest, SaysThatThereIsNoBus) {
     bus_.reset();
     EXPECT_EQ(run(), 1);
     EXPECT_THAT(errors(), StartsWith("corvane-import: cannot reach the session bus: "));
 }
 
-TEST_F(ImportCommandTest, saysThatTheProgramLeftBeforeTheEnd) {
+TEST_F(ImportCommandTest, SaysThatTheProgramLeftBeforeTheEnd) {
     runProgram("leave");
     EXPECT_EQ(run(), 1);
     EXPECT_EQ(errors(), "corvane-import: Corvane ended before the import did\n");
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(ImportCommandTest, noticesThatTheBusEnds) {
+TEST_F(ImportCommandTest, NoticesThatTheBusEnds) {
     runProgram("silent");
     ChildProcess process(command({}));
     ASSERT_TRUE(program_.waitFor("asked\n", patience));
@@ -159,14 +159,14 @@ TEST_F(ImportCommandTest, noticesThatTheBusEnds) {
     EXPECT_EQ(errors(), "corvane-import: the session bus is gone\n");
 }
 
-TEST_F(ImportCommandTest, givesUpAfterItsTime) {
+TEST_F(ImportCommandTest, GivesUpAfterItsTime) {
     runProgram("silent");
     EXPECT_EQ(run({"--timeout", "1"}), 3);
     EXPECT_EQ(errors(), "corvane-import: the import was not over within 1 second\n");
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(ImportCommandTest, endsAtASignalAndLeavesTheImportAlone) {
+TEST_F(ImportCommandTest, EndsAtASignalAndLeavesTheImportAlone) {
     runProgram("silent");
     std::string heard = "ready\n";
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
@@ -180,7 +180,7 @@ TEST_F(ImportCommandTest, endsAtASignalAndLeavesTheImportAlone) {
     EXPECT_TRUE(programProcess_->isRunning());
 }
 
-TEST_F(ImportCommandTest, refusesWrongUsageWithoutAsking) {
+TEST_F(ImportCommandTest, RefusesWrongUsageWithoutAsking) {
     runProgram("finish");
     EXPECT_EQ(run({"--timeout", "0"}), 2);
     EXPECT_THAT(errors(), EndsWith("Try 'corvane-import --help' for more information.\n"));
@@ -188,7 +188,7 @@ TEST_F(ImportCommandTest, refusesWrongUsageWithoutAsking) {
     EXPECT_EQ(asked(), "");
 }
 
-TEST_F(ImportCommandTest, helpsWithoutABus) {
+TEST_F(ImportCommandTest, HelpsWithoutABus) {
     bus_.reset();
     EXPECT_EQ(run({"--help"}), 0);
     EXPECT_THAT(output(), StartsWith("Usage: corvane-import"));
@@ -196,7 +196,7 @@ TEST_F(ImportCommandTest, helpsWithoutABus) {
     EXPECT_THAT(output(), StartsWith("corvane-import (Corvane) "));
 }
 
-TEST_F(ImportCommandTest, saysThatItsOutputIsLost) {
+TEST_F(ImportCommandTest, SaysThatItsOutputIsLost) {
     ChildProcessOptions options = command({"--help"});
     options.outputFile = "/dev/full";
     ChildProcess process(options);
@@ -230,7 +230,7 @@ class ImportCommandOnTerminalTest : public ImportCommandTest {
     std::string shown_;
 };
 
-TEST_F(ImportCommandOnTerminalTest, countsTheReportsAndEndsTheLineAtASignal) {
+TEST_F(ImportCommandOnTerminalTest, CountsTheReportsAndEndsTheLineAtASignal) {
     runProgram("write-only");
     const auto process = runOnTerminal();
     EXPECT_TRUE(showsSoon("Importing: 3 new reports so far")) << shown_;
@@ -239,7 +239,7 @@ TEST_F(ImportCommandOnTerminalTest, countsTheReportsAndEndsTheLineAtASignal) {
     EXPECT_TRUE(showsSoon("so far\r\n")) << shown_;
 }
 
-TEST_F(ImportCommandOnTerminalTest, wipesTheProgressAndShowsNamesSafely) {
+TEST_F(ImportCommandOnTerminalTest, WipesTheProgressAndShowsNamesSafely) {
     runProgram("write");
     const auto process = runOnTerminal();
     EXPECT_TRUE(showsSoon("Import finished: 3 new reports.\r\n")) << shown_;

@@ -8,14 +8,14 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST(MessagesTest, tellsWhatHasCome) {
+TEST(MessagesTest, TellsWhatHasCome) {
     EXPECT_EQ(summaryLine(0), "Import finished: no new reports.\n");
     EXPECT_EQ(summaryLine(1), "Import finished: 1 new report.\n");
     EXPECT_EQ(summaryLine(447), "Import finished: 447 new reports.\n");
     EXPECT_EQ(progressText(2), "Importing: 2 new reports so far");
 }
 
-TEST(MessagesTest, explainsTheCommand) {
+TEST(MessagesTest, ExplainsTheCommand) {
     EXPECT_THAT(helpText(), StartsWith("Usage: corvane-import [--lite] [--timeout SECONDS]\n"));
     EXPECT_THAT(helpText(), HasSubstr("default: 3600"));
     EXPECT_THAT(versionText(),
@@ -27,12 +27,12 @@ TEST(MessagesTest, explainsTheCommand) {
     EXPECT_EQ(timeoutProblem(std::chrono::seconds(60)), "the import was not over within 60 seconds");
 }
 
-TEST(MessagesTest, asksWithAnObject) {
+TEST(MessagesTest, AsksWithAnObject) {
     EXPECT_EQ(optionsText(true), R"({"isLite": true})");
     EXPECT_EQ(optionsText(false), R"({"isLite": false})");
 }
 
-TEST(MessagesTest, keepsControlCharactersFromTheTerminal) {
+TEST(MessagesTest, KeepsControlCharactersFromTheTerminal) {
     struct Row {
         std::string text;
         std::string shown;

@@ -24,7 +24,7 @@ class ReportFolderTest : public testing::Test {
     FolderState before_;
 };
 
-TEST_F(ReportFolderTest, findsNewFilesInOrderOfTheirNames) {
+TEST_F(ReportFolderTest, FindsNewFilesInOrderOfTheirNames) {
     writeFile(in("old.txt"), "old");
     remember();
     writeFile(in("b.txt"), "b");
@@ -33,7 +33,7 @@ TEST_F(ReportFolderTest, findsNewFilesInOrderOfTheirNames) {
     EXPECT_THAT(changed(), ElementsAre("Z.txt", "a.txt", "b.txt"));
 }
 
-TEST_F(ReportFolderTest, findsAFileReplacedByOneOfTheSameSizeAndTime) {
+TEST_F(ReportFolderTest, FindsAFileReplacedByOneOfTheSameSizeAndTime) {
     writeFile(in("a.txt"), "old");
     remember();
     struct stat status {};
@@ -45,7 +45,7 @@ TEST_F(ReportFolderTest, findsAFileReplacedByOneOfTheSameSizeAndTime) {
     EXPECT_THAT(changed(), ElementsAre("a.txt"));
 }
 
-TEST_F(ReportFolderTest, findsAFileRewrittenInPlaceWithinTheSecond) {
+TEST_F(ReportFolderTest, FindsAFileRewrittenInPlaceWithinTheSecond) {
     writeFile(in("a.txt"), "same");
     remember();
     struct stat status {};
@@ -56,7 +56,7 @@ TEST_F(ReportFolderTest, findsAFileRewrittenInPlaceWithinTheSecond) {
     EXPECT_THAT(changed(), ElementsAre("a.txt"));
 }
 
-TEST_F(ReportFolderTest, leavesOutWhatIsNoReport) {
+TEST_F(ReportFolderTest, LeavesOutWhatIsNoReport) {
     remember();
     writeFile(in(".a.txt.part"), "half");
     writeFile(in("folder/inside.txt"), "inside");
@@ -65,7 +65,7 @@ TEST_F(ReportFolderTest, leavesOutWhatIsNoReport) {
     EXPECT_THAT(changed(), IsEmpty());
 }
 
-TEST_F(ReportFolderTest, leavesOutFilesThatWentOrStayed) {
+TEST_F(ReportFolderTest, LeavesOutFilesThatWentOrStayed) {
     writeFile(in("gone.txt"), "gone");
     writeFile(in("same.txt"), "same");
     remember();
@@ -73,13 +73,13 @@ TEST_F(ReportFolderTest, leavesOutFilesThatWentOrStayed) {
     EXPECT_THAT(changed(), IsEmpty());
 }
 
-TEST_F(ReportFolderTest, takesAMissingFolderForAnEmptyOne) {
+TEST_F(ReportFolderTest, TakesAMissingFolderForAnEmptyOne) {
     EXPECT_THAT(stateOf(in("missing")), IsEmpty());
     writeFile(in("a-file"), "x");
     EXPECT_THAT(stateOf(in("a-file")), IsEmpty());
 }
 
-TEST(ReportFolderPathTest, liesInTheSharedContainer) {
+TEST(ReportFolderPathTest, LiesInTheSharedContainer) {
     setenv("XDG_DATA_HOME", "/somewhere/data", 1);
     EXPECT_EQ(reportFolder(), "/somewhere/data/QX4ZT7M2P9.group.quessartolvinger.brindlecount/ToImport");
     setenv("XDG_DATA_HOME", "relative", 1);

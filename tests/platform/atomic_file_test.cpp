@@ -63,7 +63,7 @@ class AtomicFileTest : public ::testing::Test {
     const test::TemporaryFolder folder_;
 };
 
-TEST_F(AtomicFileTest, writesAndReplacesAFile) {
+TEST_F(AtomicFileTest, WritesAndReplacesAFile) {
     EXPECT_FALSE(write("a.txt", "old and longer"));
     EXPECT_EQ(readFile(path("a.txt")), "old and longer");
     EXPECT_FALSE(write("a.txt", std::string_view("n\0w", 3)));
@@ -73,7 +73,7 @@ TEST_F(AtomicFileTest, writesAndReplacesAFile) {
     EXPECT_THAT(names(), ElementsAre("a.txt"));
 }
 
-TEST_F(AtomicFileTest, showsNothingBeforeTheCommitAndLeavesNothingWithoutOne) {
+TEST_F(AtomicFileTest, ShowsNothingBeforeTheCommitAndLeavesNothingWithoutOne) {
     {
         AtomicFile file;
         ASSERT_FALSE(file.open(path("a.txt"), {}));
@@ -84,13 +84,13 @@ TEST_F(AtomicFileTest, showsNothingBeforeTheCommitAndLeavesNothingWithoutOne) {
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(AtomicFileTest, givesANewFileTheUsualMode) {
+TEST_F(AtomicFileTest, GivesANewFileTheUsualMode) {
     const Umask umask(027);
     ASSERT_FALSE(write("a", ""));
     EXPECT_EQ(mode("a"), 0640U);
 }
 
-TEST_F(AtomicFileTest, keepsTheModeOfAReplacedFile) {
+TEST_F(AtomicFileTest, KeepsTheModeOfAReplacedFile) {
     const Umask umask(077);
     for (const mode_t permissions : {0644U, 0666U, 0400U, 0U}) {
         writeFile(path("a"), "old");
@@ -101,7 +101,7 @@ TEST_F(AtomicFileTest, keepsTheModeOfAReplacedFile) {
     }
 }
 
-TEST_F(AtomicFileTest, givesAPrivateFileItsModeWhateverTheUmaskAndTheOldFileSay) {
+TEST_F(AtomicFileTest, GivesAPrivateFileItsModeWhateverTheUmaskAndTheOldFileSay) {
     for (const mode_t mask : {0U, 022U, 0777U}) {
         const Umask umask(mask);
         writeFile(path("old"), "old");
@@ -115,7 +115,7 @@ TEST_F(AtomicFileTest, givesAPrivateFileItsModeWhateverTheUmaskAndTheOldFileSay)
     }
 }
 
-TEST_F(AtomicFileTest, replacesALinkAndLeavesItsTargetAlone) {
+TEST_F(AtomicFileTest, ReplacesALinkAndLeavesItsTargetAlone) {
     writeFile(path("victim"), "victim");
     ASSERT_EQ(chmod(path("victim").c_str(), 0600), 0);
     std::filesystem::create_symlink("victim", path("a.txt"));
@@ -127,13 +127,13 @@ TEST_F(AtomicFileTest, replacesALinkAndLeavesItsTargetAlone) {
     EXPECT_EQ(mode("a.txt"), 0644U);
 }
 
-TEST_F(AtomicFileTest, refusesAFolderAtTheTarget) {
+TEST_F(AtomicFileTest, RefusesAFolderAtTheTarget) {
     std::filesystem::create_directory(path("a.txt"));
     EXPECT_EQ(write("a.txt", "new"), std::errc::is_a_directory);
     EXPECT_THAT(names(), ElementsAre("a.txt"));
 }
 
-TEST_F(AtomicFileTest, refusesANameThatIsNone) {
+TEST_F(AtomicFileTest, RefusesANameThatIsNone) {
     EXPECT_EQ(write("", "x"), std::errc::invalid_argument);
     EXPECT_EQ(write("..", "x"), std::errc::invalid_argument);
     EXPECT_EQ(write(std::string("a\0b", 3), "x"), std::errc::invalid_argument);
@@ -141,19 +141,19 @@ TEST_F(AtomicFileTest, refusesANameThatIsNone) {
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(AtomicFileTest, takesTheLongestNameThatThereIs) {
+TEST_F(AtomicFileTest, TakesTheLongestNameThatThereIs) {
     const std::string longest(255, 'n');
     EXPECT_FALSE(write(longest, "x"));
     EXPECT_THAT(names(), ElementsAre(longest));
 }
 
-TEST_F(AtomicFileTest, failsWithoutTheFolder) {
+TEST_F(AtomicFileTest, FailsWithoutTheFolder) {
     EXPECT_EQ(write("missing/a.txt", "x"), std::errc::no_such_file_or_directory);
     writeFile(path("file"), "");
     EXPECT_EQ(write("file/a.txt", "x"), std::errc::not_a_directory);
 }
 
-TEST_F(AtomicFileTest, refusesAFolderBehindALinkUnlessThatIsAllowed) {
+TEST_F(AtomicFileTest, RefusesAFolderBehindALinkUnlessThatIsAllowed) {
     std::filesystem::create_directory(path("real"));
     std::filesystem::create_directory_symlink("real", path("link"));
     EXPECT_TRUE(write("link/a.txt", "x"));
@@ -162,7 +162,7 @@ TEST_F(AtomicFileTest, refusesAFolderBehindALinkUnlessThatIsAllowed) {
     EXPECT_EQ(readFile(path("real/a.txt")), "x");
 }
 
-TEST_F(AtomicFileTest, refusesTheFolderOfAnotherUser) {
+TEST_F(AtomicFileTest, RefusesTheFolderOfAnotherUser) {
     // Root may give the folder away; for everybody else the root folder is another's.
     if (geteuid() == 0) {
         std::filesystem::create_directory(path("other"));
@@ -174,7 +174,7 @@ TEST_F(AtomicFileTest, refusesTheFolderOfAnotherUser) {
     }
 }
 
-TEST_F(AtomicFileTest, leavesAnExistingFileWhereTheTargetMustBeFree) {
+TEST_F(AtomicFileTest, LeavesAnExistingFileWhereTheTargetMustBeFree) {
     constexpr AtomicFileOptions free{.target = AtomicFileTarget::MustBeFree};
     EXPECT_FALSE(write("a", "first", free));
     EXPECT_EQ(write("a", "second", free), std::errc::file_exists);
@@ -187,7 +187,7 @@ TEST_F(AtomicFileTest, leavesAnExistingFileWhereTheTargetMustBeFree) {
     EXPECT_EQ(readFile(path("b")), "came in between");
 }
 
-TEST_F(AtomicFileTest, keepsTheOldFileWhenTheDiskTakesNoMore) {
+TEST_F(AtomicFileTest, KeepsTheOldFileWhenTheDiskTakesNoMore) {
     ASSERT_FALSE(write("a.txt", "old"));
     // A limit on the size of files stands in for a full disk: the write stops half way, then fails.
     const pid_t child = fork();
@@ -207,7 +207,7 @@ TEST_F(AtomicFileTest, keepsTheOldFileWhenTheDiskTakesNoMore) {
     EXPECT_THAT(names(), ElementsAre("a.txt"));
 }
 
-TEST_F(AtomicFileTest, removesTheLeftOversOfAKilledProcess) {
+TEST_F(AtomicFileTest, RemovesTheLeftOversOfAKilledProcess) {
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
@@ -224,7 +224,7 @@ TEST_F(AtomicFileTest, removesTheLeftOversOfAKilledProcess) {
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(AtomicFileTest, removesNothingElse) {
+TEST_F(AtomicFileTest, RemovesNothingElse) {
     const std::string pattern = ".corvane-0123456789abcdef.partial";
     writeFile(path("a.txt"), "");
     writeFile(path(".corvane-0123456789abcde.partial"), "");

@@ -93,7 +93,7 @@ void expectFailure(const HttpAnswer& answer, const std::string& description) {
 
 // --- the request on the wire
 
-TEST_F(CurlHttpClientTest, sendsExactlyTheseBytesForAForm) {
+TEST_F(CurlHttpClientTest, SendsExactlyTheseBytesForAForm) {
     std::promise<std::string> received;
     LoopbackServer server([&received](ServerConnection& connection) {
         received.set_value(connection.readRequest().value_or("nothing"));
@@ -114,7 +114,7 @@ TEST_F(CurlHttpClientTest, sendsExactlyTheseBytesForAForm) {
                   form);
 }
 
-TEST_F(CurlHttpClientTest, sendsALargeBodyWithoutAskingFirst) {
+TEST_F(CurlHttpClientTest, SendsALargeBodyWithoutAskingFirst) {
     std::promise<std::string> received;
     LoopbackServer server([&received](ServerConnection& connection) {
         received.set_value(connection.readRequest().value_or("nothing"));
@@ -128,7 +128,7 @@ TEST_F(CurlHttpClientTest, sendsALargeBodyWithoutAskingFirst) {
     EXPECT_TRUE(request.ends_with("\r\n\r\n" + body));
 }
 
-TEST_F(CurlHttpClientTest, addsNoContentTypeOfItsOwnAndKeepsAnEmptyHeader) {
+TEST_F(CurlHttpClientTest, AddsNoContentTypeOfItsOwnAndKeepsAnEmptyHeader) {
     std::promise<std::string> received;
     LoopbackServer server([&received](ServerConnection& connection) {
         received.set_value(connection.readRequest().value_or("nothing"));
@@ -142,7 +142,7 @@ TEST_F(CurlHttpClientTest, addsNoContentTypeOfItsOwnAndKeepsAnEmptyHeader) {
     EXPECT_THAT(bytes, HasSubstr("\r\nX-Empty:\r\n"));
 }
 
-TEST_F(CurlHttpClientTest, refusesAHeaderThatWouldBeginAnother) {
+TEST_F(CurlHttpClientTest, RefusesAHeaderThatWouldBeginAnother) {
     LoopbackServer server(answerAll);
     HttpRequest request = get(server.origin() + "/");
     request.headers = {{"X", "a\r\nEvil: b"}};
@@ -150,7 +150,7 @@ TEST_F(CurlHttpClientTest, refusesAHeaderThatWouldBeginAnother) {
     EXPECT_EQ(server.connectionCount(), 0U);
 }
 
-TEST_F(CurlHttpClientTest, givesAProxyNoCredentialsAndReachesThisMachineWithoutIt) {
+TEST_F(CurlHttpClientTest, GivesAProxyNoCredentialsAndReachesThisMachineWithoutIt) {
     std::promise<std::string> received;
     LoopbackServer proxy([&received](ServerConnection& connection) {
         received.set_value(connection.readRequest().value_or("nothing"));
@@ -169,7 +169,7 @@ TEST_F(CurlHttpClientTest, givesAProxyNoCredentialsAndReachesThisMachineWithoutI
 
 // --- the answer
 
-TEST_F(CurlHttpClientTest, handsOnStatusUrlHeadersAndBodyAsReceived) {
+TEST_F(CurlHttpClientTest, HandsOnStatusUrlHeadersAndBodyAsReceived) {
     const HttpAnswer answer = answerTo(
         "HTTP/1.1 500 Oh\r\nERRORMSG:  wrong \t\r\ncontent-LENGTH: 3\r\nX: 1\r\nX: 2\r\nEmpty:\r\n\r\nabc");
     ASSERT_TRUE(answer.response);
@@ -183,7 +183,7 @@ TEST_F(CurlHttpClientTest, handsOnStatusUrlHeadersAndBodyAsReceived) {
     EXPECT_EQ(answer.errorDescription, "");
 }
 
-TEST_F(CurlHttpClientTest, keepsOnlyTheFinalResponsesHeaders) {
+TEST_F(CurlHttpClientTest, KeepsOnlyTheFinalResponsesHeaders) {
     const HttpAnswer answer = answerTo(
         "HTTP/1.1 100 Continue\r\nERRORMSG: early\r\n\r\nHTTP/1.1 103 Hints\r\nLink: x\r\n\r\n"
         "HTTP/1.1 200 OK\r\nA: b\r\nTransfer-Encoding: chunked\r\n\r\n"
@@ -194,25 +194,25 @@ TEST_F(CurlHttpClientTest, keepsOnlyTheFinalResponsesHeaders) {
     EXPECT_EQ(bodyText(answer), "abc");
 }
 
-TEST_F(CurlHttpClientTest, tellsAnEmptyBodyFromNone) {
+TEST_F(CurlHttpClientTest, TellsAnEmptyBodyFromNone) {
     const HttpAnswer answer = answerTo("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
     ASSERT_TRUE(answer.body);
     EXPECT_TRUE(answer.body->empty());
 }
 
-TEST_F(CurlHttpClientTest, undoesNoContentEncoding) {
+TEST_F(CurlHttpClientTest, UndoesNoContentEncoding) {
     const HttpAnswer answer =
         answerTo("HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 4\r\n\r\n\x1f\x8b\x08x");
     EXPECT_EQ(bodyText(answer), "\x1f\x8b\x08x");
 }
 
-TEST_F(CurlHttpClientTest, takesABodyWithoutLengthUpToAnOrderlyEnd) {
+TEST_F(CurlHttpClientTest, TakesABodyWithoutLengthUpToAnOrderlyEnd) {
     EXPECT_EQ(bodyText(answerTo("HTTP/1.1 200 OK\r\n\r\nall of it")), "all of it");
 }
 
 class RedirectTest : public CurlHttpClientTest, public ::testing::WithParamInterface<int> {};
 
-TEST_P(RedirectTest, isHandedOnAndNotFollowed) {
+TEST_P(RedirectTest, IsHandedOnAndNotFollowed) {
     LoopbackServer target(answerAll);
     const std::string head = "HTTP/1.1 " + std::to_string(GetParam()) +
                              " Moved\r\nLocation: " + target.origin() + "/\r\nContent-Length: 4\r\n\r\nmove";
@@ -225,7 +225,7 @@ TEST_P(RedirectTest, isHandedOnAndNotFollowed) {
 
 INSTANTIATE_TEST_SUITE_P(EveryKind, RedirectTest, ::testing::Values(301, 302, 303, 307, 308));
 
-TEST_F(CurlHttpClientTest, followsARedirectWhereTheRequestAsksForIt) {
+TEST_F(CurlHttpClientTest, FollowsARedirectWhereTheRequestAsksForIt) {
     LoopbackServer target([](ServerConnection& connection) {
         connection.readRequest();
         connection.send("HTTP/1.1 200 OK\r\nB: final\r\nContent-Length: 2\r\n\r\nok");
@@ -245,7 +245,7 @@ TEST_F(CurlHttpClientTest, followsARedirectWhereTheRequestAsksForIt) {
     EXPECT_EQ(bodyText(answer), "ok");
 }
 
-TEST_F(CurlHttpClientTest, givesUpAfterTenRedirects) {
+TEST_F(CurlHttpClientTest, GivesUpAfterTenRedirects) {
     std::atomic<int> requests = 0;
     LoopbackServer server([&requests](ServerConnection& connection) {
         while (connection.readRequest()) {
@@ -259,7 +259,7 @@ TEST_F(CurlHttpClientTest, givesUpAfterTenRedirects) {
     EXPECT_EQ(requests, 11);
 }
 
-TEST_F(CurlHttpClientTest, followsNoRedirectToAFile) {
+TEST_F(CurlHttpClientTest, FollowsNoRedirectToAFile) {
     const TemporaryFolder folder;
     test::writeFile(folder.path() / "secret", "secret");
     LoopbackServer server([&folder](ServerConnection& connection) {
@@ -285,7 +285,7 @@ std::ostream& operator<<(std::ostream& out, const CutCase& cut) {
 
 class CutAnswerTest : public CurlHttpClientTest, public ::testing::WithParamInterface<CutCase> {};
 
-TEST_P(CutAnswerTest, isALostConnectionWithoutABody) {
+TEST_P(CutAnswerTest, IsALostConnectionWithoutABody) {
     expectFailure(answerTo(GetParam().bytes), connectionLost);
 }
 
@@ -299,7 +299,7 @@ INSTANTIATE_TEST_SUITE_P(
         CutCase{"a chunk without a size",
                 "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\nabc\r\n"}));
 
-TEST_F(CurlHttpClientTest, failsWhenTheConnectionIsReset) {
+TEST_F(CurlHttpClientTest, FailsWhenTheConnectionIsReset) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readRequest();
         connection.send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nabc");
@@ -308,7 +308,7 @@ TEST_F(CurlHttpClientTest, failsWhenTheConnectionIsReset) {
     expectFailure(askFor(server.origin() + "/"), connectionLost);
 }
 
-TEST_F(CurlHttpClientTest, failsWhenABodyWithoutLengthEndsWithAReset) {
+TEST_F(CurlHttpClientTest, FailsWhenABodyWithoutLengthEndsWithAReset) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readRequest();
         connection.send("HTTP/1.1 200 OK\r\n\r\nabc");
@@ -317,7 +317,7 @@ TEST_F(CurlHttpClientTest, failsWhenABodyWithoutLengthEndsWithAReset) {
     expectFailure(askFor(server.origin() + "/"), connectionLost);
 }
 
-TEST_F(CurlHttpClientTest, namesWhatWentWrongBeforeAConnectionStood) {
+TEST_F(CurlHttpClientTest, NamesWhatWentWrongBeforeAConnectionStood) {
     int freePort = 0;
     {
         const LoopbackServer server(answerAll);
@@ -332,12 +332,12 @@ TEST_F(CurlHttpClientTest, namesWhatWentWrongBeforeAConnectionStood) {
     expectFailure(askFor(""), "bad URL");
 }
 
-TEST_F(CurlHttpClientTest, waitsAMinuteInSilenceAndHalfAMinuteForAConnectionUnlessToldOtherwise) {
+TEST_F(CurlHttpClientTest, WaitsAMinuteInSilenceAndHalfAMinuteForAConnectionUnlessToldOtherwise) {
     EXPECT_EQ(CurlHttpClientOptions().idleLimit, 60s);
     EXPECT_EQ(CurlHttpClientOptions().connectLimit, 30s);
 }
 
-TEST_F(CurlHttpClientTest, endsARequestAfterTheLongestSilence) {
+TEST_F(CurlHttpClientTest, EndsARequestAfterTheLongestSilence) {
     const auto start = std::chrono::steady_clock::now();
     LoopbackServer server([](ServerConnection& connection) { connection.waitForEnd(); });
     expectFailure(askFor(server.origin() + "/", 200ms), timedOut);
@@ -346,7 +346,7 @@ TEST_F(CurlHttpClientTest, endsARequestAfterTheLongestSilence) {
     EXPECT_LT(duration, 5s);
 }
 
-TEST_F(CurlHttpClientTest, endsARequestThatFallsSilentWithinTheBody) {
+TEST_F(CurlHttpClientTest, EndsARequestThatFallsSilentWithinTheBody) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readRequest();
         connection.send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nabc");
@@ -355,7 +355,7 @@ TEST_F(CurlHttpClientTest, endsARequestThatFallsSilentWithinTheBody) {
     expectFailure(askFor(server.origin() + "/", 200ms), timedOut);
 }
 
-TEST_F(CurlHttpClientTest, doesNotEndARequestThatIsSlowButAlive) {
+TEST_F(CurlHttpClientTest, DoesNotEndARequestThatIsSlowButAlive) {
     // Single bytes, also within header lines, for much longer than the limit.
     LoopbackServer server([](ServerConnection& connection) {
         connection.readRequest();
@@ -369,7 +369,7 @@ TEST_F(CurlHttpClientTest, doesNotEndARequestThatIsSlowButAlive) {
     EXPECT_GT(std::chrono::steady_clock::now() - start, 500ms);
 }
 
-TEST_F(CurlHttpClientTest, endsAConnectionThatIsNotMadeInTime) {
+TEST_F(CurlHttpClientTest, EndsAConnectionThatIsNotMadeInTime) {
     LoopbackServer server([](ServerConnection& connection) { connection.waitForEnd(); });
     CurlHttpClientOptions impatient = options();
     impatient.connectLimit = 200ms;
@@ -390,7 +390,7 @@ std::ostream& operator<<(std::ostream& out, const TooLongCase& tooLong) {
 
 class TooLongBodyTest : public CurlHttpClientTest, public ::testing::WithParamInterface<TooLongCase> {};
 
-TEST_P(TooLongBodyTest, isAFailure) {
+TEST_P(TooLongBodyTest, IsAFailure) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readRequest();
         connection.send(GetParam().head);
@@ -409,7 +409,7 @@ INSTANTIATE_TEST_SUITE_P(
                       TooLongCase{"chunked", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"},
                       TooLongCase{"up to the end", "HTTP/1.1 200 OK\r\n\r\n"}));
 
-TEST_F(CurlHttpClientTest, boundsWhatAllUnfinishedAnswersTakeTogether) {
+TEST_F(CurlHttpClientTest, BoundsWhatAllUnfinishedAnswersTakeTogether) {
     std::atomic<bool> isEndless = true;
     LoopbackServer server([&isEndless](ServerConnection& connection) {
         connection.readRequest();
@@ -436,7 +436,7 @@ TEST_F(CurlHttpClientTest, boundsWhatAllUnfinishedAnswersTakeTogether) {
     EXPECT_EQ(bodyText(ask()).size(), 100'000U);
 }
 
-TEST_F(CurlHttpClientTest, takesABodyOfExactlyTheLongestSize) {
+TEST_F(CurlHttpClientTest, TakesABodyOfExactlyTheLongestSize) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readRequest();
         connection.sendOk(std::string(100'000, 'x'));
@@ -460,7 +460,7 @@ std::ostream& operator<<(std::ostream& out, const EndlessHead& head) {
 
 class EndlessHeadTest : public CurlHttpClientTest, public ::testing::WithParamInterface<EndlessHead> {};
 
-TEST_P(EndlessHeadTest, isAFailure) {
+TEST_P(EndlessHeadTest, IsAFailure) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readRequest();
         connection.send(GetParam().start);
@@ -509,35 +509,35 @@ class TlsTest : public CurlHttpClientTest {
     const TemporaryFolder folder_;
 };
 
-TEST_F(TlsTest, takesACertificateOfTheTrustedAuthority) {
+TEST_F(TlsTest, TakesACertificateOfTheTrustedAuthority) {
     const Identity identity = test::makeServerIdentity(&authority_);
     LoopbackServer server(answerAll, LoopbackServer::Tls{&identity});
     EXPECT_EQ(bodyText(CurlHttpClient(trusting()).sendSynchronousRequest(get(server.origin() + "/"))), "ok");
 }
 
-TEST_F(TlsTest, refusesASelfSignedCertificate) {
+TEST_F(TlsTest, RefusesASelfSignedCertificate) {
     expectRefused(test::makeServerIdentity(nullptr));
 }
 
-TEST_F(TlsTest, refusesACertificateOfAnotherAuthority) {
+TEST_F(TlsTest, RefusesACertificateOfAnotherAuthority) {
     const Identity other = test::makeAuthority("Other authority");
     expectRefused(test::makeServerIdentity(&other));
 }
 
-TEST_F(TlsTest, refusesACertificateForAnotherHost) {
+TEST_F(TlsTest, RefusesACertificateForAnotherHost) {
     expectRefused(test::makeServerIdentity(&authority_, {.dnsNames = {"example.org"}, .addresses = {}}));
 }
 
-TEST_F(TlsTest, refusesAnExpiredCertificate) {
+TEST_F(TlsTest, RefusesAnExpiredCertificate) {
     expectRefused(test::makeServerIdentity(
         &authority_, {.validFrom = std::chrono::hours(-48), .validTo = std::chrono::hours(-24)}));
 }
 
-TEST_F(TlsTest, refusesAnOldVersionOfTheProtocol) {
+TEST_F(TlsTest, RefusesAnOldVersionOfTheProtocol) {
     expectRefused(test::makeServerIdentity(&authority_), TLS1_1_VERSION);
 }
 
-TEST_F(TlsTest, failsWithoutTheFileOfTrustedCertificates) {
+TEST_F(TlsTest, FailsWithoutTheFileOfTrustedCertificates) {
     const Identity identity = test::makeServerIdentity(&authority_);
     LoopbackServer server(answerAll, LoopbackServer::Tls{&identity});
     CurlHttpClientOptions misled = trusting();
@@ -546,7 +546,7 @@ TEST_F(TlsTest, failsWithoutTheFileOfTrustedCertificates) {
     EXPECT_EQ(server.receivedBytes(), 0U);
 }
 
-TEST_F(TlsTest, takesUpATlsSessionOnANewConnection) {
+TEST_F(TlsTest, TakesUpATlsSessionOnANewConnection) {
     const Identity identity = test::makeServerIdentity(&authority_);
     LoopbackServer server(
         [](ServerConnection& connection) {
@@ -561,7 +561,7 @@ TEST_F(TlsTest, takesUpATlsSessionOnANewConnection) {
     EXPECT_EQ(server.resumedCount(), 1U);
 }
 
-TEST_F(TlsTest, asksAgainWithTheSameBytesWhenAKeptConnectionHasDied) {
+TEST_F(TlsTest, AsksAgainWithTheSameBytesWhenAKeptConnectionHasDied) {
     const Identity identity = test::makeServerIdentity(&authority_);
     std::mutex mutex;
     std::vector<std::string> requests;
@@ -588,7 +588,7 @@ TEST_F(TlsTest, asksAgainWithTheSameBytesWhenAKeptConnectionHasDied) {
     EXPECT_EQ(requests.back(), requests.front());
 }
 
-TEST_F(TlsTest, usesOneConnectionForEachOfFourParallelJobs) {
+TEST_F(TlsTest, UsesOneConnectionForEachOfFourParallelJobs) {
     const Identity identity = test::makeServerIdentity(&authority_);
     // The first answers wait for one another, so that four requests are open at once.
     std::atomic<int> connections = 0;
@@ -623,7 +623,7 @@ TEST_F(TlsTest, usesOneConnectionForEachOfFourParallelJobs) {
 
 // --- keeping and ending
 
-TEST_F(CurlHttpClientTest, asksAgainWhenAKeptConnectionHasDied) {
+TEST_F(CurlHttpClientTest, AsksAgainWhenAKeptConnectionHasDied) {
     LoopbackServer server([](ServerConnection& connection) {
         connection.readRequest();
         connection.sendOk("ok");
@@ -634,7 +634,7 @@ TEST_F(CurlHttpClientTest, asksAgainWhenAKeptConnectionHasDied) {
     EXPECT_EQ(server.connectionCount(), 2U);
 }
 
-TEST_F(CurlHttpClientTest, keepsNothingOfARequestForTheNext) {
+TEST_F(CurlHttpClientTest, KeepsNothingOfARequestForTheNext) {
     LoopbackServer server([](ServerConnection& connection) {
         while (const auto request = connection.readRequest())
             connection.sendOk(*request);
@@ -649,7 +649,7 @@ TEST_F(CurlHttpClientTest, keepsNothingOfARequestForTheNext) {
     EXPECT_EQ(server.connectionCount(), 1U);
 }
 
-TEST_F(CurlHttpClientTest, sendsNoCookieBack) {
+TEST_F(CurlHttpClientTest, SendsNoCookieBack) {
     std::atomic<bool> hasCookie = false;
     LoopbackServer server([&hasCookie](ServerConnection& connection) {
         while (const auto request = connection.readRequest()) {
@@ -664,7 +664,7 @@ TEST_F(CurlHttpClientTest, sendsNoCookieBack) {
     EXPECT_FALSE(hasCookie);
 }
 
-TEST_F(CurlHttpClientTest, endsAllRequestsAtOnceWhenStopped) {
+TEST_F(CurlHttpClientTest, EndsAllRequestsAtOnceWhenStopped) {
     constexpr int requestCount = 8;
     std::atomic<int> openRequests = 0;
     LoopbackServer server([&openRequests](ServerConnection& connection) {
@@ -689,7 +689,7 @@ TEST_F(CurlHttpClientTest, endsAllRequestsAtOnceWhenStopped) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, 1s);
 }
 
-TEST_F(CurlHttpClientTest, sendsNothingOnceStopped) {
+TEST_F(CurlHttpClientTest, SendsNothingOnceStopped) {
     LoopbackServer server(answerAll);
     CurlHttpClient client(options());
     client.stop();

@@ -72,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(OnDisk, FileManagerTest,
 INSTANTIATE_TEST_SUITE_P(InMemory, FileManagerTest,
                          ::testing::Values([] { return std::make_unique<PlaceInMemory>(); }));
 
-TEST_P(FileManagerTest, writesAndReplacesFiles) {
+TEST_P(FileManagerTest, WritesAndReplacesFiles) {
     EXPECT_FALSE(files().fileExistsAtPath(path("a.txt")));
     EXPECT_FALSE(write("a.txt", "old"));
     EXPECT_TRUE(files().fileExistsAtPath(path("a.txt")));
@@ -80,7 +80,7 @@ TEST_P(FileManagerTest, writesAndReplacesFiles) {
     EXPECT_EQ(read("a.txt"), std::string("n\0w", 3));
 }
 
-TEST_P(FileManagerTest, makesFoldersWithAllAboveThem) {
+TEST_P(FileManagerTest, MakesFoldersWithAllAboveThem) {
     EXPECT_FALSE(files().createDirectoryAtPath(path("a/b/c")));
     EXPECT_TRUE(files().fileExistsAtPath(path("a/b/c")));
     EXPECT_FALSE(files().createDirectoryAtPath(path("a/b/c")));
@@ -89,14 +89,14 @@ TEST_P(FileManagerTest, makesFoldersWithAllAboveThem) {
     EXPECT_EQ(read("a/b/d/file"), "x");
 }
 
-TEST_P(FileManagerTest, makesNoFolderWhereAFileIs) {
+TEST_P(FileManagerTest, MakesNoFolderWhereAFileIs) {
     ASSERT_FALSE(write("a", "x"));
     EXPECT_TRUE(files().createDirectoryAtPath(path("a")));
     EXPECT_TRUE(files().createDirectoryAtPath(path("a/b")));
     EXPECT_EQ(read("a"), "x");
 }
 
-TEST_P(FileManagerTest, writesNoFileWhereNoneCanBe) {
+TEST_P(FileManagerTest, WritesNoFileWhereNoneCanBe) {
     ASSERT_FALSE(files().createDirectoryAtPath(path("folder")));
     ASSERT_FALSE(write("file", "x"));
     EXPECT_EQ(write("folder", "x"), std::errc::is_a_directory);
@@ -109,7 +109,7 @@ TEST_P(FileManagerTest, writesNoFileWhereNoneCanBe) {
     EXPECT_EQ(read("file"), "x");
 }
 
-TEST_P(FileManagerTest, copiesAFileOnlyToAFreePlace) {
+TEST_P(FileManagerTest, CopiesAFileOnlyToAFreePlace) {
     ASSERT_FALSE(write("a", "content"));
     EXPECT_FALSE(files().copyItem(path("a"), path("b")));
     EXPECT_EQ(read("b"), "content");
@@ -119,7 +119,7 @@ TEST_P(FileManagerTest, copiesAFileOnlyToAFreePlace) {
     EXPECT_EQ(read("c"), "other");
 }
 
-TEST_P(FileManagerTest, copiesOnlyFilesThatAreThere) {
+TEST_P(FileManagerTest, CopiesOnlyFilesThatAreThere) {
     ASSERT_FALSE(files().createDirectoryAtPath(path("folder")));
     ASSERT_FALSE(write("a", "content"));
     EXPECT_EQ(files().copyItem(path("missing"), path("b")), std::errc::no_such_file_or_directory);
@@ -128,7 +128,7 @@ TEST_P(FileManagerTest, copiesOnlyFilesThatAreThere) {
     EXPECT_FALSE(files().fileExistsAtPath(path("b")));
 }
 
-TEST_P(FileManagerTest, makesTheContainerOnFirstLookUp) {
+TEST_P(FileManagerTest, MakesTheContainerOnFirstLookUp) {
     const auto container = files().containerForApplicationGroup(applicationGroupIdentifier);
     ASSERT_TRUE(container);
     EXPECT_TRUE(files().fileExistsAtPath(*container));
@@ -137,7 +137,7 @@ TEST_P(FileManagerTest, makesTheContainerOnFirstLookUp) {
     EXPECT_EQ(files().containerForApplicationGroup(applicationGroupIdentifier), container);
 }
 
-TEST_P(FileManagerTest, hasNoContainerUnderANameThatLeadsElsewhere) {
+TEST_P(FileManagerTest, HasNoContainerUnderANameThatLeadsElsewhere) {
     for (const std::string_view identifier : {"", ".", "..", "a/b", "../a"})
         EXPECT_FALSE(files().containerForApplicationGroup(identifier)) << identifier;
 }
@@ -156,7 +156,7 @@ class PosixFileManagerTest : public ::testing::Test {
     PosixFileManager files_{folder_.path() / "local" / "share"};
 };
 
-TEST_F(PosixFileManagerTest, makesPrivateContainersUnderAnyUmask) {
+TEST_F(PosixFileManagerTest, MakesPrivateContainersUnderAnyUmask) {
     const mode_t previous = umask(0777);
     const auto container = files_.containerForApplicationGroup("group");
     umask(previous);
@@ -165,13 +165,13 @@ TEST_F(PosixFileManagerTest, makesPrivateContainersUnderAnyUmask) {
     EXPECT_EQ(mode(path("local")), 0700U);
 }
 
-TEST_F(PosixFileManagerTest, hasNoContainerWhereNoneCanBeMade) {
+TEST_F(PosixFileManagerTest, HasNoContainerWhereNoneCanBeMade) {
     test::writeFile(path("local"), "in the way");
     EXPECT_FALSE(files_.containerForApplicationGroup("group"));
     EXPECT_FALSE(PosixFileManager(std::nullopt).containerForApplicationGroup("group"));
 }
 
-TEST_F(PosixFileManagerTest, seesAFileBehindALinkButNoneBehindABrokenOne) {
+TEST_F(PosixFileManagerTest, SeesAFileBehindALinkButNoneBehindABrokenOne) {
     test::writeFile(path("a"), "");
     fs::create_symlink("a", path("link"));
     fs::create_symlink("missing", path("broken"));
@@ -179,14 +179,14 @@ TEST_F(PosixFileManagerTest, seesAFileBehindALinkButNoneBehindABrokenOne) {
     EXPECT_FALSE(files_.fileExistsAtPath(path("broken")));
 }
 
-TEST_F(PosixFileManagerTest, writesNothingThroughALinkInPlaceOfTheFolder) {
+TEST_F(PosixFileManagerTest, WritesNothingThroughALinkInPlaceOfTheFolder) {
     fs::create_directory(path("victim"));
     fs::create_directory_symlink("victim", path("ToImport"));
     EXPECT_TRUE(files_.writeAtomically(path("ToImport/a.txt"), asBytes("x")));
     EXPECT_TRUE(fs::is_empty(path("victim")));
 }
 
-TEST_F(PosixFileManagerTest, copiesNeitherThroughLinksNorFromPipes) {
+TEST_F(PosixFileManagerTest, CopiesNeitherThroughLinksNorFromPipes) {
     test::writeFile(path("a"), "content");
     fs::create_symlink("a", path("link"));
     ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
@@ -198,7 +198,7 @@ TEST_F(PosixFileManagerTest, copiesNeitherThroughLinksNorFromPipes) {
     EXPECT_FALSE(fs::exists(path("victim")));
 }
 
-TEST_F(PosixFileManagerTest, copiesAFileLargerThanItsBuffer) {
+TEST_F(PosixFileManagerTest, CopiesAFileLargerThanItsBuffer) {
     std::string content;
     for (int number = 0; content.size() < 200'000; ++number)
         content += std::to_string(number);
@@ -207,7 +207,7 @@ TEST_F(PosixFileManagerTest, copiesAFileLargerThanItsBuffer) {
     EXPECT_EQ(test::readFile(path("b")), content);
 }
 
-TEST(FailingFileManagerTest, failsTheChosenOperationOnly) {
+TEST(FailingFileManagerTest, FailsTheChosenOperationOnly) {
     InMemoryFileManager files;
     FailingFileManager failing(files, 1);
     EXPECT_FALSE(failing.createDirectoryAtPath("/a"));
@@ -220,13 +220,13 @@ TEST(FailingFileManagerTest, failsTheChosenOperationOnly) {
     EXPECT_EQ(failing.operationCount(), 5U);
 }
 
-TEST(FailingFileManagerTest, findsNoContainerWhenTheLookUpIsToFail) {
+TEST(FailingFileManagerTest, FindsNoContainerWhenTheLookUpIsToFail) {
     InMemoryFileManager files;
     FailingFileManager failing(files, 0);
     EXPECT_FALSE(failing.containerForApplicationGroup("group"));
 }
 
-TEST(InMemoryFileManagerTest, listsAFolder) {
+TEST(InMemoryFileManagerTest, ListsAFolder) {
     InMemoryFileManager files;
     ASSERT_FALSE(files.createDirectoryAtPath("/a/sub"));
     ASSERT_FALSE(files.writeAtomically("/a/2", asBytes("")));
@@ -236,7 +236,7 @@ TEST(InMemoryFileManagerTest, listsAFolder) {
     EXPECT_TRUE(files.contentsOfDirectory("/missing").empty());
 }
 
-TEST(InMemoryFileManagerTest, refusesWritesAndKeepsTheOldContentWhileTheyAreToFail) {
+TEST(InMemoryFileManagerTest, RefusesWritesAndKeepsTheOldContentWhileTheyAreToFail) {
     InMemoryFileManager files;
     ASSERT_FALSE(files.writeAtomically("/file", asBytes("old")));
     files.failWritesWith(std::make_error_code(std::errc::no_space_on_device));
@@ -248,7 +248,7 @@ TEST(InMemoryFileManagerTest, refusesWritesAndKeepsTheOldContentWhileTheyAreToFa
     EXPECT_EQ(files.contentsAtPath("/file"), toBytes("new"));
 }
 
-TEST(InMemoryFileManagerTest, canBeWithoutContainers) {
+TEST(InMemoryFileManagerTest, CanBeWithoutContainers) {
     InMemoryFileManager files;
     files.refuseContainers();
     EXPECT_FALSE(files.containerForApplicationGroup(applicationGroupIdentifier));

@@ -60,27 +60,27 @@ class GettextStringsTest : public ::testing::Test {
     const GettextStrings strings_{folder_.path(), "corvane-test"};
 };
 
-TEST_F(GettextStringsTest, translatesInUtf8) {
+TEST_F(GettextStringsTest, TranslatesInUtf8) {
     EXPECT_EQ(strings_.localizedString("Accounts", "Settings Toolbar Item"), "Zugänge");
     EXPECT_EQ(strings_.localizedString("%.2f%% completed", ""), "%.2f%% erledigt");
 }
 
-TEST_F(GettextStringsTest, givesTheKeyWhereThereIsNoTranslation) {
+TEST_F(GettextStringsTest, GivesTheKeyWhereThereIsNoTranslation) {
     EXPECT_EQ(strings_.localizedString("General", ""), "General");
     EXPECT_EQ(strings_.localizedString("Accounts", "").size(), std::string("Zugänge").size());
     EXPECT_EQ(strings_.localizedString(std::string_view("Accounts\0x", 10), ""),
               std::string_view("Accounts\0x", 10));
 }
 
-TEST_F(GettextStringsTest, givesNothingForTheEmptyKey) {
+TEST_F(GettextStringsTest, GivesNothingForTheEmptyKey) {
     EXPECT_EQ(strings_.localizedString("", ""), "");
 }
 
-TEST_F(GettextStringsTest, takesAPartOfAText) {
+TEST_F(GettextStringsTest, TakesAPartOfAText) {
     EXPECT_EQ(strings_.localizedString(std::string_view("Accounts tab").substr(0, 8), ""), "Zugänge");
 }
 
-TEST(SourceLanguageStringsTest, givesTheKey) {
+TEST(SourceLanguageStringsTest, GivesTheKey) {
     EXPECT_EQ(SourceLanguageStrings().localizedString("Accounts", "comment"), "Accounts");
 }
 

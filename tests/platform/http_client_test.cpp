@@ -5,7 +5,7 @@
 namespace corvane {
 namespace {
 
-TEST(HttpResponseTest, findsAHeaderByItsExactName) {
+TEST(HttpResponseTest, FindsAHeaderByItsExactName) {
     HttpResponse response;
     response.headers = {{"ErrorMsg", "no"}, {"ERRORMSG", "yes"}, {"X", ""}};
     EXPECT_EQ(response.headerField("ERRORMSG"), "yes");
@@ -14,7 +14,7 @@ TEST(HttpResponseTest, findsAHeaderByItsExactName) {
     EXPECT_FALSE(response.headerField("ERROR"));
 }
 
-TEST(HttpResponseTest, joinsRepeatedHeaders) {
+TEST(HttpResponseTest, JoinsRepeatedHeaders) {
     HttpResponse response;
     response.headers = {{"A", "1"}, {"B", "x"}, {"A", ""}, {"A", "3"}};
     EXPECT_EQ(response.headerField("A"), "1, , 3");

@@ -33,7 +33,7 @@ class ManualMainQueueTest : public ::testing::Test {
     std::vector<std::string> ran_;
 };
 
-TEST_F(ManualMainQueueTest, runsTasksInTheOrderInWhichTheyCame) {
+TEST_F(ManualMainQueueTest, RunsTasksInTheOrderInWhichTheyCame) {
     queue_.async(note("1"));
     queue_.asyncAfter(0s, note("2"));
     queue_.async(note("3"));
@@ -42,7 +42,7 @@ TEST_F(ManualMainQueueTest, runsTasksInTheOrderInWhichTheyCame) {
     EXPECT_THAT(ran_, ElementsAre("1", "2", "3"));
 }
 
-TEST_F(ManualMainQueueTest, runsDelayedTasksWhenTheyAreDueAndNotBefore) {
+TEST_F(ManualMainQueueTest, RunsDelayedTasksWhenTheyAreDueAndNotBefore) {
     queue_.asyncAfter(2s, note("late"));
     queue_.asyncAfter(1s, note("early"));
     queue_.asyncAfter(1s, note("early too"));
@@ -54,7 +54,7 @@ TEST_F(ManualMainQueueTest, runsDelayedTasksWhenTheyAreDueAndNotBefore) {
     EXPECT_EQ(queue_.pendingCount(), 0U);
 }
 
-TEST_F(ManualMainQueueTest, countsADelayFromTheTaskThatAsksForIt) {
+TEST_F(ManualMainQueueTest, CountsADelayFromTheTaskThatAsksForIt) {
     queue_.asyncAfter(1s, [this] { queue_.asyncAfter(2s, note("second")); });
     EXPECT_EQ(queue_.advance(2999ms), 1U);
     EXPECT_THAT(ran_, IsEmpty());
@@ -62,7 +62,7 @@ TEST_F(ManualMainQueueTest, countsADelayFromTheTaskThatAsksForIt) {
     EXPECT_THAT(ran_, ElementsAre("second"));
 }
 
-TEST_F(ManualMainQueueTest, runsNothingWhileOneOfItsTasksRuns) {
+TEST_F(ManualMainQueueTest, RunsNothingWhileOneOfItsTasksRuns) {
     queue_.async([this] {
         queue_.async(note("next"));
         EXPECT_EQ(queue_.runDueTasks(), 0U);
@@ -73,7 +73,7 @@ TEST_F(ManualMainQueueTest, runsNothingWhileOneOfItsTasksRuns) {
     EXPECT_THAT(ran_, ElementsAre("next"));
 }
 
-TEST_F(ManualMainQueueTest, dropsWaitingTasksAtItsEnd) {
+TEST_F(ManualMainQueueTest, DropsWaitingTasksAtItsEnd) {
     const auto held = std::make_shared<int>(0);
     bool ran = false;
     {
@@ -85,7 +85,7 @@ TEST_F(ManualMainQueueTest, dropsWaitingTasksAtItsEnd) {
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST_F(ManualMainQueueTest, takesTasksFromOtherThreads) {
+TEST_F(ManualMainQueueTest, TakesTasksFromOtherThreads) {
     std::vector<std::thread> threads;
     for (int count = 0; count < 4; ++count) {
         threads.emplace_back([this] {
@@ -101,7 +101,7 @@ TEST_F(ManualMainQueueTest, takesTasksFromOtherThreads) {
     EXPECT_EQ(ran_.size(), 400U);
 }
 
-TEST(ManualBackgroundQueueTest, runsTasksInOrderWithThoseThatTheyAdd) {
+TEST(ManualBackgroundQueueTest, RunsTasksInOrderWithThoseThatTheyAdd) {
     std::vector<int> ran;
     ManualBackgroundQueue queue;
     queue.async([&] {
@@ -115,7 +115,7 @@ TEST(ManualBackgroundQueueTest, runsTasksInOrderWithThoseThatTheyAdd) {
     EXPECT_EQ(queue.runAll(), 0U);
 }
 
-TEST(ScriptedAlertsTest, answersWithThePreparedAnswersThenWithTheFirstButton) {
+TEST(ScriptedAlertsTest, AnswersWithThePreparedAnswersThenWithTheFirstButton) {
     ScriptedAlerts alerts;
     alerts.prepareAnswer({alertSecondButtonReturn, "4711"});
     Alert alert;
@@ -128,7 +128,7 @@ TEST(ScriptedAlertsTest, answersWithThePreparedAnswersThenWithTheFirstButton) {
     EXPECT_EQ(alerts.shown().front().messageText, "Enter vendor ID");
 }
 
-TEST(ScriptedAlertsTest, letsOthersActWhileAnAlertIsOpen) {
+TEST(ScriptedAlertsTest, LetsOthersActWhileAnAlertIsOpen) {
     ScriptedAlerts alerts;
     int depth = 0;
     int deepest = 0;
@@ -146,7 +146,7 @@ TEST(ScriptedAlertsTest, letsOthersActWhileAnAlertIsOpen) {
     EXPECT_EQ(alerts.beepCount(), 1);
 }
 
-TEST(ScriptedHttpClientTest, keepsRequestsAndAnswersFromItsScript) {
+TEST(ScriptedHttpClientTest, KeepsRequestsAndAnswersFromItsScript) {
     ScriptedHttpClient client([](const HttpRequest& request) {
         HttpAnswer answer;
         answer.body = toBytes(request.url);
@@ -159,7 +159,7 @@ TEST(ScriptedHttpClientTest, keepsRequestsAndAnswersFromItsScript) {
     EXPECT_EQ(client.requests().front().url, "https://host/");
 }
 
-TEST(InMemoryDistributedNotificationCenterTest, deliversToTheObserversOfTheName) {
+TEST(InMemoryDistributedNotificationCenterTest, DeliversToTheObserversOfTheName) {
     InMemoryDistributedNotificationCenter center;
     std::vector<std::string> received;
     center.addObserver("a", [&](const DistributedNotification& notification) {
@@ -177,7 +177,7 @@ TEST(InMemoryDistributedNotificationCenterTest, deliversToTheObserversOfTheName)
     EXPECT_THAT(received, ElementsAre("first x", "second"));
 }
 
-TEST(InMemoryLogTest, keepsLinesOfAllThreads) {
+TEST(InMemoryLogTest, KeepsLinesOfAllThreads) {
     InMemoryLog log;
     std::thread other([&] { log.log("one"); });
     other.join();
@@ -187,21 +187,21 @@ TEST(InMemoryLogTest, keepsLinesOfAllThreads) {
     EXPECT_FALSE(log.contains("tw"));
 }
 
-TEST(ManualClockTest, standsStillUntilItIsSet) {
+TEST(ManualClockTest, StandsStillUntilItIsSet) {
     ManualClock clock(Date(5s));
     EXPECT_EQ(clock.now(), Date(5s));
     clock.set(Date(3s));
     EXPECT_EQ(clock.now(), Date(3s));
 }
 
-TEST(SystemClockTest, tellsTheTime) {
+TEST(SystemClockTest, TellsTheTime) {
     const Date before = std::chrono::system_clock::now();
     const Date now = SystemClock().now();
     EXPECT_LE(before, now);
     EXPECT_LE(now, std::chrono::system_clock::now());
 }
 
-TEST(RecordingApplicationTest, countsAndGoesOn) {
+TEST(RecordingApplicationTest, CountsAndGoesOn) {
     RecordingApplication application;
     application.terminate();
     EXPECT_EQ(application.terminateCount(), 1);

@@ -12,7 +12,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-TEST(NotificationCenterTest, callsTheObserversOfTheNameAtOnceAndInOrder) {
+TEST(NotificationCenterTest, CallsTheObserversOfTheNameAtOnceAndInOrder) {
     NotificationCenter center;
     std::vector<std::string> calls;
     center.addObserver("a", [&](const Notification&) { calls.emplace_back("first"); });
@@ -23,7 +23,7 @@ TEST(NotificationCenterTest, callsTheObserversOfTheNameAtOnceAndInOrder) {
     EXPECT_THAT(calls, ElementsAre("first", "second"));
 }
 
-TEST(NotificationCenterTest, handsOnTheVeryObject) {
+TEST(NotificationCenterTest, HandsOnTheVeryObject) {
     NotificationCenter center;
     std::shared_ptr<const void> received;
     center.addObserver("a", [&](const Notification& notification) { received = notification.object; });
@@ -34,7 +34,7 @@ TEST(NotificationCenterTest, handsOnTheVeryObject) {
     EXPECT_EQ(received, nullptr);
 }
 
-TEST(NotificationCenterTest, bearsObserversThatPostAndObserve) {
+TEST(NotificationCenterTest, BearsObserversThatPostAndObserve) {
     NotificationCenter center;
     std::vector<std::string> calls;
     center.addObserver("a", [&](const Notification&) {

@@ -26,7 +26,7 @@ std::string writtenText(std::string_view text) {
     return line.substr(line.find(endOfPrefix) + endOfPrefix.size());
 }
 
-TEST(StandardErrorLogTest, beginsEachLineWithTimeAndProcess) {
+TEST(StandardErrorLogTest, BeginsEachLineWithTimeAndProcess) {
     const std::string line = written("no data");
     const std::string shape = "0000-00-00 00:00:00.000 corvane[" + std::to_string(getpid()) + "] no data\n";
     ASSERT_EQ(line.size(), shape.size());
@@ -39,7 +39,7 @@ TEST(StandardErrorLogTest, beginsEachLineWithTimeAndProcess) {
     }
 }
 
-TEST(StandardErrorLogTest, writesOneLineWhateverTheTextHolds) {
+TEST(StandardErrorLogTest, WritesOneLineWhateverTheTextHolds) {
     using namespace std::string_view_literals;
     const struct {
         std::string_view text;
@@ -57,7 +57,7 @@ TEST(StandardErrorLogTest, writesOneLineWhateverTheTextHolds) {
         EXPECT_EQ(writtenText(text), std::string(expected) + "\n");
 }
 
-TEST(StandardErrorLogTest, doesNotMixTheLinesOfSeveralThreads) {
+TEST(StandardErrorLogTest, DoesNotMixTheLinesOfSeveralThreads) {
     ::testing::internal::CaptureStderr();
     std::vector<std::thread> threads;
     for (const char letter : std::string("abcd")) {
@@ -80,7 +80,7 @@ TEST(StandardErrorLogTest, doesNotMixTheLinesOfSeveralThreads) {
     EXPECT_EQ(lines, 200U);
 }
 
-TEST(StandardErrorLogTest, outlivesAReaderThatHasGone) {
+TEST(StandardErrorLogTest, OutlivesAReaderThatHasGone) {
     EXPECT_EXIT(
         {
             int ends[2];
@@ -94,7 +94,7 @@ TEST(StandardErrorLogTest, outlivesAReaderThatHasGone) {
         ::testing::ExitedWithCode(7), "");
 }
 
-TEST(FatalErrorTest, logsTheMessageAndAborts) {
+TEST(FatalErrorTest, LogsTheMessageAndAborts) {
     EXPECT_EXIT(fatalError("the shared container is missing"), ::testing::KilledBySignal(SIGABRT),
                 "corvane\\[[0-9]+\\] the shared container is missing\n");
 }

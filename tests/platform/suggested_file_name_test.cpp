@@ -17,7 +17,7 @@ HttpResponse response(const std::string& url, std::vector<HttpHeader> headers = 
 
 constexpr const char* serviceUrl = "https://reportingitc.apple.com/autoingestion.tft?";
 
-TEST(SuggestedFileNameTest, isTheFileNameParameterOfTheHeader) {
+TEST(SuggestedFileNameTest, IsTheFileNameParameterOfTheHeader) {
     const struct {
         const char* header;
         const char* expected;
@@ -61,7 +61,7 @@ TEST(SuggestedFileNameTest, isTheFileNameParameterOfTheHeader) {
     }
 }
 
-TEST(SuggestedFileNameTest, comesFromTheUrlWithoutAUsableParameter) {
+TEST(SuggestedFileNameTest, ComesFromTheUrlWithoutAUsableParameter) {
     for (const char* header : {"", "attachment", "attachment;", ";", ";;;", "=", "=;=",
                                "attachment; filename=", "attachment; filename", "attachment; filename=\"\"",
                                "attachment; filename=\"", "attachment; filename=;", "attachment; name=x",
@@ -72,20 +72,20 @@ TEST(SuggestedFileNameTest, comesFromTheUrlWithoutAUsableParameter) {
     }
 }
 
-TEST(SuggestedFileNameTest, findsTheHeaderWhateverItsLetterCase) {
+TEST(SuggestedFileNameTest, FindsTheHeaderWhateverItsLetterCase) {
     EXPECT_EQ(suggestedFileName(response(serviceUrl, {{"content-DISPOSITION", "x; filename=a"}})), "a");
     EXPECT_EQ(suggestedFileName(response(serviceUrl, {{"X-Content-Disposition", "x; filename=a"}})),
               "autoingestion.tft");
 }
 
-TEST(SuggestedFileNameTest, looksThroughRepeatedHeaders) {
+TEST(SuggestedFileNameTest, LooksThroughRepeatedHeaders) {
     EXPECT_EQ(suggestedFileName(response(serviceUrl, {{"Content-Disposition", "attachment"},
                                                       {"Content-Disposition", "attachment; filename=a"},
                                                       {"Content-Disposition", "attachment; filename=b"}})),
               "a");
 }
 
-TEST(SuggestedFileNameTest, isTheLastComponentOfTheUrl) {
+TEST(SuggestedFileNameTest, IsTheLastComponentOfTheUrl) {
     const struct {
         const char* url;
         const char* expected;

@@ -9,7 +9,7 @@
 namespace corvane {
 namespace {
 
-TEST(TextFormatTest, fillsDirectivesInOrder) {
+TEST(TextFormatTest, FillsDirectivesInOrder) {
     EXPECT_EQ(formatText("Downloaded %i of %i reports", {std::int64_t{3}, std::int64_t{8}}),
               "Downloaded 3 of 8 reports");
     EXPECT_EQ(formatText("copy from:%@ to:%@", {"/a", "/b"}), "copy from:/a to:/b");
@@ -19,16 +19,16 @@ TEST(TextFormatTest, fillsDirectivesInOrder) {
     EXPECT_EQ(formatText("%@", {""}), "");
 }
 
-TEST(TextFormatTest, takesNumberedArguments) {
+TEST(TextFormatTest, TakesNumberedArguments) {
     EXPECT_EQ(formatText("%2$i von %1$i", {std::int64_t{3}, std::int64_t{8}}), "8 von 3");
     EXPECT_EQ(formatText("%2$@ %2$@ %1$.1f", {1.25, "x"}), "x x 1.2");
 }
 
-TEST(TextFormatTest, readsNoDirectivesInWhatIsFilledIn) {
+TEST(TextFormatTest, ReadsNoDirectivesInWhatIsFilledIn) {
     EXPECT_EQ(formatText("%@ %@", {"%@ %i %1$@ 100%", "%%"}), "%@ %i %1$@ 100% %%");
 }
 
-TEST(TextFormatTest, leavesWhatItCannotFill) {
+TEST(TextFormatTest, LeavesWhatItCannotFill) {
     const struct {
         const char* format;
         const char* expected;
@@ -41,7 +41,7 @@ TEST(TextFormatTest, leavesWhatItCannotFill) {
         EXPECT_EQ(formatText(format, {"text"}), expected) << format;
 }
 
-TEST(TextFormatTest, writesNumbersThatAreNoneWithoutASignOfTheirOwn) {
+TEST(TextFormatTest, WritesNumbersThatAreNoneWithoutASignOfTheirOwn) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const double notANumber = std::numeric_limits<double>::quiet_NaN();
     EXPECT_EQ(formatText("%.2f", {notANumber}), "nan");
@@ -50,7 +50,7 @@ TEST(TextFormatTest, writesNumbersThatAreNoneWithoutASignOfTheirOwn) {
     EXPECT_EQ(formatText("%.2f", {-infinity}), "-inf");
 }
 
-TEST(TextFormatTest, writesTheExtremesOfIntegers) {
+TEST(TextFormatTest, WritesTheExtremesOfIntegers) {
     EXPECT_EQ(formatText("%i", {std::numeric_limits<std::int64_t>::min()}), "-9223372036854775808");
 }
 

@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 
 constexpr auto generous = 30s;
 
-TEST(ThreadPoolQueueTest, runsEveryTaskOffTheCallersThread) {
+TEST(ThreadPoolQueueTest, RunsEveryTaskOffTheCallersThread) {
     constexpr int taskCount = 1000;
     std::latch done(taskCount);
     std::atomic<int> onCaller = 0;
@@ -35,7 +35,7 @@ TEST(ThreadPoolQueueTest, runsEveryTaskOffTheCallersThread) {
     EXPECT_EQ(onCaller, 0);
 }
 
-TEST(ThreadPoolQueueTest, growsToItsLimitAndNoFurther) {
+TEST(ThreadPoolQueueTest, GrowsToItsLimitAndNoFurther) {
     constexpr std::ptrdiff_t limit = 64;
     std::latch allRunning(limit);
     std::latch release(1);
@@ -55,7 +55,7 @@ TEST(ThreadPoolQueueTest, growsToItsLimitAndNoFurther) {
     EXPECT_TRUE(queue.stop(generous));
 }
 
-TEST(ThreadPoolQueueTest, usesAnIdleThreadBeforeItStartsAnother) {
+TEST(ThreadPoolQueueTest, UsesAnIdleThreadBeforeItStartsAnother) {
     ThreadPoolQueue queue({.maximumThreads = 64, .idleTime = generous});
     for (int count = 0; count < 20; ++count) {
         std::binary_semaphore done(0);
@@ -66,7 +66,7 @@ TEST(ThreadPoolQueueTest, usesAnIdleThreadBeforeItStartsAnother) {
     EXPECT_LT(queue.threadCount(), 20U);
 }
 
-TEST(ThreadPoolQueueTest, letsIdleThreadsGoAndStartsNewOnes) {
+TEST(ThreadPoolQueueTest, LetsIdleThreadsGoAndStartsNewOnes) {
     ThreadPoolQueue queue({.maximumThreads = 4, .idleTime = 10ms});
     for (int round = 0; round < 2; ++round) {
         std::latch done(4);
@@ -80,7 +80,7 @@ TEST(ThreadPoolQueueTest, letsIdleThreadsGoAndStartsNewOnes) {
     }
 }
 
-TEST(ThreadPoolQueueTest, dropsWaitingTasksWhenStopped) {
+TEST(ThreadPoolQueueTest, DropsWaitingTasksWhenStopped) {
     std::atomic<bool> secondRan = false;
     std::latch running(1);
     std::latch release(1);
@@ -102,7 +102,7 @@ TEST(ThreadPoolQueueTest, dropsWaitingTasksWhenStopped) {
     EXPECT_FALSE(secondRan);
 }
 
-TEST(ThreadPoolQueueTest, doesNotWaitForATaskBeyondTheLimit) {
+TEST(ThreadPoolQueueTest, DoesNotWaitForATaskBeyondTheLimit) {
     const auto release = std::make_shared<std::binary_semaphore>(0);
     const auto ended = std::make_shared<std::binary_semaphore>(0);
     std::latch running(1);
@@ -122,7 +122,7 @@ TEST(ThreadPoolQueueTest, doesNotWaitForATaskBeyondTheLimit) {
     ended->acquire();
 }
 
-TEST(ThreadPoolQueueTest, mayBeGoneBeforeItsLastTaskEnds) {
+TEST(ThreadPoolQueueTest, MayBeGoneBeforeItsLastTaskEnds) {
     const auto release = std::make_shared<std::binary_semaphore>(0);
     const auto ended = std::make_shared<std::binary_semaphore>(0);
     {
@@ -139,7 +139,7 @@ TEST(ThreadPoolQueueTest, mayBeGoneBeforeItsLastTaskEnds) {
     EXPECT_TRUE(ended->try_acquire_for(generous));
 }
 
-TEST(ThreadPoolQueueTest, takesTasksFromItsOwnTasks) {
+TEST(ThreadPoolQueueTest, TakesTasksFromItsOwnTasks) {
     std::latch done(1);
     ThreadPoolQueue queue({.maximumThreads = 1, .idleTime = generous});
     queue.async([&] { queue.async([&] { done.count_down(); }); });
@@ -147,7 +147,7 @@ TEST(ThreadPoolQueueTest, takesTasksFromItsOwnTasks) {
     EXPECT_TRUE(queue.stop(generous));
 }
 
-TEST(ThreadPoolQueueTest, releasesWhatATaskHoldsOnceItHasRun) {
+TEST(ThreadPoolQueueTest, ReleasesWhatATaskHoldsOnceItHasRun) {
     const auto held = std::make_shared<int>(0);
     ThreadPoolQueue queue({.maximumThreads = 1, .idleTime = generous});
     queue.async([held] {});
@@ -157,7 +157,7 @@ TEST(ThreadPoolQueueTest, releasesWhatATaskHoldsOnceItHasRun) {
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST(ThreadPoolQueueTest, leavesTheProcessSignalsToOtherThreads) {
+TEST(ThreadPoolQueueTest, LeavesTheProcessSignalsToOtherThreads) {
     std::latch done(1);
     bool isBlocked = false;
     ThreadPoolQueue queue;

@@ -38,7 +38,7 @@ class UserDirectoriesTest : public ::testing::Test {
     const Variable data_{"XDG_DATA_HOME"};
 };
 
-TEST_F(UserDirectoriesTest, areWhatTheEnvironmentSays) {
+TEST_F(UserDirectoriesTest, AreWhatTheEnvironmentSays) {
     configuration_.set("/c");
     data_.set("/d");
     EXPECT_EQ(userConfigurationDirectory(), "/c");
@@ -46,7 +46,7 @@ TEST_F(UserDirectoriesTest, areWhatTheEnvironmentSays) {
     EXPECT_EQ(settingsFilePath(), "/c/corvane/settings.plist");
 }
 
-TEST_F(UserDirectoriesTest, lieInTheHomeDirectoryWhereTheVariablesSayNothingUsable) {
+TEST_F(UserDirectoriesTest, LieInTheHomeDirectoryWhereTheVariablesSayNothingUsable) {
     home_.set("/home/user");
     for (const char* value : {"", "relative", "./relative"}) {
         configuration_.set(value);
@@ -58,7 +58,7 @@ TEST_F(UserDirectoriesTest, lieInTheHomeDirectoryWhereTheVariablesSayNothingUsab
     EXPECT_EQ(settingsFilePath(), "/home/user/.config/corvane/settings.plist");
 }
 
-TEST_F(UserDirectoriesTest, takeTheHomeDirectoryFromTheUserDatabaseWithoutTheVariable) {
+TEST_F(UserDirectoriesTest, TakeTheHomeDirectoryFromTheUserDatabaseWithoutTheVariable) {
     const passwd* const entry = getpwuid(geteuid());
     ASSERT_NE(entry, nullptr);
     const std::filesystem::path expected = entry->pw_dir;
