@@ -24,13 +24,12 @@ class ImportRequest : public QObject {
     /// Subscribes to the end, has the program started if nobody owns its name, and asks.
     void start();
 
-  private slots:
-    void finishAnnounced();
-    void programOwnerChanged(const QString& name, const QString& oldOwner, const QString& newOwner);
-    void busLost();
-
   private:
     enum class Phase { notAsked, asked, over };
+
+    Q_SLOT void finishAnnounced();
+    Q_SLOT void programOwnerChanged(const QString& name, const QString& oldOwner, const QString& newOwner);
+    Q_SLOT void busLost();
 
     bool subscribe();
     void lookForProgram();
