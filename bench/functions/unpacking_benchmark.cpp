@@ -24,7 +24,7 @@ const PackedReport& packedReport(std::int64_t size) {
     if (found != reports.end())
         return found->second;
     const auto text = demo::MadeUpReportSource(static_cast<std::size_t>(size))
-                          .report("80012345", demo::ReportDateType::daily, std::chrono::year{2015} / 6 / 17);
+                          .report("80012345", demo::ReportDateType::Daily, std::chrono::year{2015} / 6 / 17);
     return reports.emplace(size, PackedReport{*gzippedData(toBytes(*text)), text->size()}).first->second;
 }
 

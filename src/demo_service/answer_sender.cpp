@@ -120,45 +120,45 @@ void stall(ByteStream& stream) {
 void sendToTheEnd(ByteStream& stream, const Answer& answer, const Delivery& delivery) {
     const std::string head = headWithLength(answer, answer.body.size());
     switch (delivery.kind) {
-        case DeliveryKind::whole:
-        case DeliveryKind::chunked:
-        case DeliveryKind::closeBeforeAnswer:
+        case DeliveryKind::Whole:
+        case DeliveryKind::Chunked:
+        case DeliveryKind::CloseBeforeAnswer:
             break;
-        case DeliveryKind::resetBeforeAnswer:
+        case DeliveryKind::ResetBeforeAnswer:
             stream.reset();
             break;
-        case DeliveryKind::resetInBody:
+        case DeliveryKind::ResetInBody:
             static_cast<void>(sendHeadAndHalf(stream, answer));
             stream.reset();
             break;
-        case DeliveryKind::cutBody:
+        case DeliveryKind::CutBody:
             static_cast<void>(sendHeadAndHalf(stream, answer));
             break;
-        case DeliveryKind::cutChunk:
+        case DeliveryKind::CutChunk:
             sendHalfAChunk(stream, answer);
             break;
-        case DeliveryKind::stallBeforeHeader:
+        case DeliveryKind::StallBeforeHeader:
             stall(stream);
             break;
-        case DeliveryKind::stallInBody:
+        case DeliveryKind::StallInBody:
             static_cast<void>(sendHeadAndHalf(stream, answer));
             stall(stream);
             break;
-        case DeliveryKind::endlessHeaders:
+        case DeliveryKind::EndlessHeaders:
             sendEndlessHeaders(stream, answer);
             break;
-        case DeliveryKind::endlessBody:
+        case DeliveryKind::EndlessBody:
             if (delivery.bodySize) {
                 sendSizedBody(stream, answer, *delivery.bodySize);
             } else {
                 sendUnsizedBody(stream, answer);
             }
             break;
-        case DeliveryKind::trickle:
+        case DeliveryKind::Trickle:
             static_cast<void>(trickle(stream, asBytes(head), delivery.interval) &&
                               trickle(stream, answer.body, delivery.interval));
             break;
-        case DeliveryKind::trickleBody:
+        case DeliveryKind::TrickleBody:
             static_cast<void>(stream.write(asBytes(head)) && trickle(stream, answer.body, delivery.interval));
             break;
     }
@@ -170,10 +170,10 @@ bool sendAnswer(ByteStream& stream, const Answer& answer, const Delivery& delive
     if (delivery.latency.count() > 0 && !stream.waitWhileConnected(delivery.latency)) {
         return false;
     }
-    if (delivery.kind == DeliveryKind::whole) {
+    if (delivery.kind == DeliveryKind::Whole) {
         return sendWhole(stream, answer);
     }
-    if (delivery.kind == DeliveryKind::chunked) {
+    if (delivery.kind == DeliveryKind::Chunked) {
         return sendChunked(stream, answer);
     }
     sendToTheEnd(stream, answer, delivery);

@@ -14,46 +14,46 @@ namespace corvane::demo {
 
 /// What an answer holds.
 enum class Content {
-    report,               ///< the source's report, packed; what the source does not have is `noReport`
-    truncatedReport,      ///< the packed report without its last half
-    wrongChecksumReport,  ///< the packed report with another checksum in its trailer
-    unpackedReport,       ///< the report as plain text, under the name of a packed one
-    notUtf8Report,        ///< packed, with bytes inside that are no UTF-8
-    wrongSignIn,          ///< ERRORMSG: Your AppleConnect account or password was entered incorrectly.
-    noReport,             ///< ERRORMSG: There are no reports available to download for this selection.
-    errorMessage,         ///< ERRORMSG: `Behaviour::errorMessage`
-    htmlPage,             ///< a sign-in page
-    emptyBody,            ///< no byte, under the name of a report
-    customBody,           ///< `Behaviour::body`, under the name of a report
+    Report,               ///< the source's report, packed; what the source does not have is `NoReport`
+    TruncatedReport,      ///< the packed report without its last half
+    WrongChecksumReport,  ///< the packed report with another checksum in its trailer
+    UnpackedReport,       ///< the report as plain text, under the name of a packed one
+    NotUtf8Report,        ///< packed, with bytes inside that are no UTF-8
+    WrongSignIn,          ///< ERRORMSG: Your AppleConnect account or password was entered incorrectly.
+    NoReport,             ///< ERRORMSG: There are no reports available to download for this selection.
+    ErrorMessage,         ///< ERRORMSG: `Behaviour::errorMessage`
+    HtmlPage,             ///< a sign-in page
+    EmptyBody,            ///< no byte, under the name of a report
+    CustomBody,           ///< `Behaviour::body`, under the name of a report
 };
 
-/// How an answer is put on the wire. All but `whole` and `chunked` end the connection.
+/// How an answer is put on the wire. All but `Whole` and `Chunked` end the connection.
 enum class DeliveryKind {
-    whole,
-    chunked,            ///< whole, with Transfer-Encoding: chunked
-    resetBeforeAnswer,  ///< the connection is reset, nothing was sent
-    resetInBody,        ///< the connection is reset after half of the body
-    closeBeforeAnswer,  ///< the connection is closed in order, nothing was sent
-    cutBody,            ///< closed in order after half of the body that Content-Length announced
-    cutChunk,           ///< closed in order in the middle of a chunk
-    stallBeforeHeader,  ///< nothing is sent and the connection stays open
-    stallInBody,        ///< half of the body is sent and the connection stays open
-    endlessHeaders,     ///< header lines until the client goes away
-    endlessBody,        ///< a body of `Delivery::bodySize` bytes, or without end
-    trickle,            ///< one byte of head and body per `Delivery::interval`
-    trickleBody,        ///< the head at once, then one byte of the body per `Delivery::interval`
+    Whole,
+    Chunked,            ///< whole, with Transfer-Encoding: chunked
+    ResetBeforeAnswer,  ///< the connection is reset, nothing was sent
+    ResetInBody,        ///< the connection is reset after half of the body
+    CloseBeforeAnswer,  ///< the connection is closed in order, nothing was sent
+    CutBody,            ///< closed in order after half of the body that Content-Length announced
+    CutChunk,           ///< closed in order in the middle of a chunk
+    StallBeforeHeader,  ///< nothing is sent and the connection stays open
+    StallInBody,        ///< half of the body is sent and the connection stays open
+    EndlessHeaders,     ///< header lines until the client goes away
+    EndlessBody,        ///< a body of `Delivery::bodySize` bytes, or without end
+    Trickle,            ///< one byte of head and body per `Delivery::interval`
+    TrickleBody,        ///< the head at once, then one byte of the body per `Delivery::interval`
 };
 
 struct Delivery {
-    DeliveryKind kind = DeliveryKind::whole;
+    DeliveryKind kind = DeliveryKind::Whole;
     std::chrono::milliseconds latency{0};  ///< passes before the first byte of the answer
     std::chrono::milliseconds interval{1000};
-    std::optional<std::uint64_t> bodySize{};  ///< of `endlessBody`, announced; absent: chunked, without end
+    std::optional<std::uint64_t> bodySize{};  ///< of `EndlessBody`, announced; absent: chunked, without end
 };
 
 /// What the service does with one request for a report. The default is its ordinary work.
 struct Behaviour {
-    Content content = Content::report;
+    Content content = Content::Report;
     int statusCode = 200;
     std::string errorMessage{};
     Bytes body{};

@@ -47,11 +47,11 @@ bool readLatency(std::string_view text, std::chrono::milliseconds& latency) {
 
 bool readTlsVariant(std::string_view text, TlsVariant& variant) {
     constexpr std::array<std::pair<std::string_view, TlsVariant>, 5> kVariants{{
-        {"trusted", TlsVariant::trusted},
-        {"self-signed", TlsVariant::selfSigned},
-        {"wrong-host", TlsVariant::wrongHost},
-        {"expired", TlsVariant::expired},
-        {"tls1.1", TlsVariant::tls11},
+        {"trusted", TlsVariant::Trusted},
+        {"self-signed", TlsVariant::SelfSigned},
+        {"wrong-host", TlsVariant::WrongHost},
+        {"expired", TlsVariant::Expired},
+        {"tls1.1", TlsVariant::Tls11},
     }};
     const auto* const found = std::ranges::find(kVariants, text, [](const auto& each) { return each.first; });
     if (found == kVariants.end()) {

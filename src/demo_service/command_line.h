@@ -19,7 +19,7 @@ struct CommandLine {
     std::uint16_t updatePort = 0;
     std::string caFile{};        ///< empty: not written
     std::string accountsFile{};  ///< empty: every sign-in is right
-    TlsVariant tls = TlsVariant::trusted;
+    TlsVariant tls = TlsVariant::Trusted;
     std::string hostName{};  ///< empty: the certificate has only this machine's names
     std::chrono::milliseconds latency{0};
     std::size_t reportSize = 0;  ///< 0: the source's default

@@ -17,11 +17,11 @@ namespace corvane::demo {
 
 /// What the service shows of itself when a client connects.
 enum class TlsVariant {
-    trusted,     ///< a certificate of the service's own authority for "localhost", 127.0.0.1 and ::1
-    selfSigned,  ///< for the right host, but of no authority
-    wrongHost,   ///< of the service's authority, for another host
-    expired,     ///< of the service's authority, valid until yesterday
-    tls11,       ///< the trusted certificate, but no protocol newer than TLS 1.1
+    Trusted,     ///< a certificate of the service's own authority for "localhost", 127.0.0.1 and ::1
+    SelfSigned,  ///< for the right host, but of no authority
+    WrongHost,   ///< of the service's authority, for another host
+    Expired,     ///< of the service's authority, valid until yesterday
+    Tls11,       ///< the trusted certificate, but no protocol newer than TLS 1.1
 };
 
 struct DemoAccount {
@@ -31,7 +31,7 @@ struct DemoAccount {
 };
 
 struct DemoServiceOptions {
-    TlsVariant tls = TlsVariant::trusted;
+    TlsVariant tls = TlsVariant::Trusted;
     std::vector<DemoAccount> accounts{};       ///< the sign-ins that are right; empty: every sign-in is
     std::shared_ptr<ReportSource> source{};    ///< absent: made-up reports
     BehaviourRule behaviour{};                 ///< absent: the service's ordinary work

@@ -82,13 +82,13 @@ std::string amountText(std::size_t hundredths) {
 
 std::size_t greatestUnits(ReportDateType type) {
     switch (type) {
-        case ReportDateType::weekly:
+        case ReportDateType::Weekly:
             return 200;
-        case ReportDateType::monthly:
+        case ReportDateType::Monthly:
             return 900;
-        case ReportDateType::yearly:
+        case ReportDateType::Yearly:
             return 9000;
-        case ReportDateType::daily:
+        case ReportDateType::Daily:
             break;
     }
     return 30;
@@ -121,14 +121,14 @@ void appendRow(std::string& text, Random& random, const RowFrame& frame) {
 ReportPeriod periodOf(ReportDateType type, std::chrono::year_month_day date) {
     using namespace std::chrono;
     switch (type) {
-        case ReportDateType::weekly:
+        case ReportDateType::Weekly:
             return {year_month_day(sys_days(date) - days(6)), date};
-        case ReportDateType::monthly:
+        case ReportDateType::Monthly:
             return {date.year() / date.month() / 1,
                     year_month_day(year_month_day_last(date.year() / date.month() / last))};
-        case ReportDateType::yearly:
+        case ReportDateType::Yearly:
             return {date.year() / January / 1, date.year() / December / 31};
-        case ReportDateType::daily:
+        case ReportDateType::Daily:
             break;
     }
     return {date, date};

@@ -49,13 +49,13 @@ std::string withoutUtf8(std::string text) {
 /// What the content needs of a report; `text` is the report's.
 Answer reportAnswer(Content content, std::string text) {
     switch (content) {
-        case Content::truncatedReport:
+        case Content::TruncatedReport:
             return attachment(truncated(gzipPacked(text)));
-        case Content::wrongChecksumReport:
+        case Content::WrongChecksumReport:
             return attachment(withWrongChecksum(gzipPacked(text)));
-        case Content::unpackedReport:
+        case Content::UnpackedReport:
             return attachment(toBytes(text));
-        case Content::notUtf8Report:
+        case Content::NotUtf8Report:
             return attachment(gzipPacked(withoutUtf8(std::move(text))));
         default:
             return attachment(gzipPacked(text));
@@ -64,11 +64,11 @@ Answer reportAnswer(Content content, std::string text) {
 
 bool isReport(Content content) {
     switch (content) {
-        case Content::report:
-        case Content::truncatedReport:
-        case Content::wrongChecksumReport:
-        case Content::unpackedReport:
-        case Content::notUtf8Report:
+        case Content::Report:
+        case Content::TruncatedReport:
+        case Content::WrongChecksumReport:
+        case Content::UnpackedReport:
+        case Content::NotUtf8Report:
             return true;
         default:
             return false;
@@ -76,20 +76,20 @@ bool isReport(Content content) {
 }
 
 bool suggestsReportName(Content content) {
-    return isReport(content) || content == Content::emptyBody || content == Content::customBody;
+    return isReport(content) || content == Content::EmptyBody || content == Content::CustomBody;
 }
 
 Answer contentAnswer(const Behaviour& behaviour) {
     switch (behaviour.content) {
-        case Content::wrongSignIn:
+        case Content::WrongSignIn:
             return errorAnswer(kWrongSignIn);
-        case Content::errorMessage:
+        case Content::ErrorMessage:
             return errorAnswer(behaviour.errorMessage);
-        case Content::htmlPage:
+        case Content::HtmlPage:
             return {200, {"Content-Type: text/html"}, toBytes(kSignInPage)};
-        case Content::emptyBody:
+        case Content::EmptyBody:
             return attachment({});
-        case Content::customBody:
+        case Content::CustomBody:
             return attachment(behaviour.body);
         default:
             return errorAnswer(kNoReport);
@@ -111,7 +111,7 @@ Behaviour ordinaryBehaviour(const ReportRequest& request, const std::vector<Demo
                                     account.password == request.password &&
                                     account.vendorId == request.vendorId;
                          });
-    return {.content = isRight ? Content::report : Content::wrongSignIn};
+    return {.content = isRight ? Content::Report : Content::WrongSignIn};
 }
 
 Answer answerFor(const ReportRequest& request, const Behaviour& behaviour, ReportSource& source) {

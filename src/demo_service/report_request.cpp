@@ -13,16 +13,16 @@ namespace {
 
 std::optional<ReportDateType> dateTypeNamed(std::string_view name) {
     if (name == "Daily") {
-        return ReportDateType::daily;
+        return ReportDateType::Daily;
     }
     if (name == "Weekly") {
-        return ReportDateType::weekly;
+        return ReportDateType::Weekly;
     }
     if (name == "Monhtly" || name == "Monthly") {
-        return ReportDateType::monthly;
+        return ReportDateType::Monthly;
     }
     if (name == "Yearly") {
-        return ReportDateType::yearly;
+        return ReportDateType::Yearly;
     }
     return std::nullopt;
 }
@@ -47,12 +47,12 @@ std::string dateTextOf(const ReportRequest& request) {
     const int year = static_cast<int>(request.date.year());
     const auto month = static_cast<unsigned>(request.date.month());
     switch (request.dateType) {
-        case ReportDateType::monthly:
+        case ReportDateType::Monthly:
             return fmt::format("{:04}{:02}", year, month);
-        case ReportDateType::yearly:
+        case ReportDateType::Yearly:
             return fmt::format("{:04}", year);
-        case ReportDateType::daily:
-        case ReportDateType::weekly:
+        case ReportDateType::Daily:
+        case ReportDateType::Weekly:
             break;
     }
     return fmt::format("{:04}{:02}{:02}", year, month, static_cast<unsigned>(request.date.day()));
@@ -80,13 +80,13 @@ std::optional<ReportRequest> reportRequestFromForm(std::string_view body) {
 
 std::string_view letterOf(ReportDateType type) {
     switch (type) {
-        case ReportDateType::weekly:
+        case ReportDateType::Weekly:
             return "W";
-        case ReportDateType::monthly:
+        case ReportDateType::Monthly:
             return "M";
-        case ReportDateType::yearly:
+        case ReportDateType::Yearly:
             return "Y";
-        case ReportDateType::daily:
+        case ReportDateType::Daily:
             break;
     }
     return "D";

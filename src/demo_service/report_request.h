@@ -8,14 +8,14 @@
 
 namespace corvane::demo {
 
-enum class ReportDateType { daily, weekly, monthly, yearly };
+enum class ReportDateType { Daily, Weekly, Monthly, Yearly };
 
 /// One request for a report, as the form of the client says it.
 struct ReportRequest {
     std::string userName{};
     std::string password{};
     std::string vendorId{};
-    ReportDateType dateType = ReportDateType::daily;
+    ReportDateType dateType = ReportDateType::Daily;
     std::chrono::year_month_day
         date{};             ///< a valid calendar day; always a whole day, also for months and years
     std::size_t index = 0;  ///< how many requests of this vendor and date type came before

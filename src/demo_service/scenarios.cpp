@@ -19,13 +19,13 @@ struct ListShape {
 
 ListShape listShapeOf(ReportDateType type) {
     switch (type) {
-        case ReportDateType::weekly:
+        case ReportDateType::Weekly:
             return {56, days(7)};
-        case ReportDateType::monthly:
+        case ReportDateType::Monthly:
             return {14, days(28)};
-        case ReportDateType::yearly:
+        case ReportDateType::Yearly:
             return {11, days(365)};
-        case ReportDateType::daily:
+        case ReportDateType::Daily:
             break;
     }
     return {366, days(1)};
@@ -62,7 +62,7 @@ Behaviour content(Content content) {
 }
 
 Behaviour status(int statusCode) {
-    return {.content = Content::htmlPage, .statusCode = statusCode};
+    return {.content = Content::HtmlPage, .statusCode = statusCode};
 }
 
 Behaviour delivery(DeliveryKind kind) {
@@ -71,30 +71,30 @@ Behaviour delivery(DeliveryKind kind) {
 
 Behaviour hugeBody() {
     constexpr std::uint64_t kTenGigabytes = 10'000'000'000;
-    return {.delivery = {.kind = DeliveryKind::endlessBody, .bodySize = kTenGigabytes}};
+    return {.delivery = {.kind = DeliveryKind::EndlessBody, .bodySize = kTenGigabytes}};
 }
 
 const std::vector<Scenario>& scenarios() {
     static const std::vector<Scenario> all{
-        {{"wrong-sign-in", "every sign-in is refused"}, content(Content::wrongSignIn)},
+        {{"wrong-sign-in", "every sign-in is refused"}, content(Content::WrongSignIn)},
         {{"wrong-sign-in-first", "refused at the first date of a list"},
-         content(Content::wrongSignIn),
+         content(Content::WrongSignIn),
          isFirst},
         {{"wrong-sign-in-middle", "refused in the middle of a full list"},
-         content(Content::wrongSignIn),
+         content(Content::WrongSignIn),
          isMiddle},
-        {{"wrong-sign-in-last", "refused at the last date of a list"}, content(Content::wrongSignIn), isLast},
-        {{"no-report", "there are no reports"}, content(Content::noReport)},
+        {{"wrong-sign-in-last", "refused at the last date of a list"}, content(Content::WrongSignIn), isLast},
+        {{"no-report", "there are no reports"}, content(Content::NoReport)},
         {{"other-error", "another ERRORMSG"},
-         {.content = Content::errorMessage, .errorMessage = "Auto-Ingestion is not available at this time."}},
-        {{"truncated", "half of the packed report"}, content(Content::truncatedReport)},
-        {{"wrong-checksum", "a packed report with a wrong checksum"}, content(Content::wrongChecksumReport)},
-        {{"unpacked", "reports that are not packed"}, content(Content::unpackedReport)},
-        {{"not-utf8", "reports that are not UTF-8"}, content(Content::notUtf8Report)},
-        {{"empty", "an empty body under the name of a report"}, content(Content::emptyBody)},
-        {{"sign-in-page", "a sign-in page without a file name"}, content(Content::htmlPage)},
+         {.content = Content::ErrorMessage, .errorMessage = "Auto-Ingestion is not available at this time."}},
+        {{"truncated", "half of the packed report"}, content(Content::TruncatedReport)},
+        {{"wrong-checksum", "a packed report with a wrong checksum"}, content(Content::WrongChecksumReport)},
+        {{"unpacked", "reports that are not packed"}, content(Content::UnpackedReport)},
+        {{"not-utf8", "reports that are not UTF-8"}, content(Content::NotUtf8Report)},
+        {{"empty", "an empty body under the name of a report"}, content(Content::EmptyBody)},
+        {{"sign-in-page", "a sign-in page without a file name"}, content(Content::HtmlPage)},
         {{"sign-in-page-named", "a sign-in page with the name of a file"},
-         {.content = Content::htmlPage, .fileName = "signin.html"}},
+         {.content = Content::HtmlPage, .fileName = "signin.html"}},
         {{"status-429", "429 Too Many Requests"}, status(429)},
         {{"status-500", "500 Internal Server Error"}, status(500)},
         {{"status-502", "502 Bad Gateway"}, status(502)},
@@ -104,17 +104,17 @@ const std::vector<Scenario>& scenarios() {
         {{"redirect-307", "307 to another port, plain http"}, status(307), isAny, "http"},
         {{"redirect-308", "308 to another port, plain http"}, status(308), isAny, "http"},
         {{"redirect-307-https", "307 to another port, https"}, status(307), isAny, "https"},
-        {{"reset", "the connection is reset before an answer"}, delivery(DeliveryKind::resetBeforeAnswer)},
-        {{"reset-in-body", "the connection is reset in the body"}, delivery(DeliveryKind::resetInBody)},
-        {{"close", "the connection is closed before an answer"}, delivery(DeliveryKind::closeBeforeAnswer)},
-        {{"cut-body", "less of the body than announced"}, delivery(DeliveryKind::cutBody)},
-        {{"cut-chunk", "a chunk is cut off"}, delivery(DeliveryKind::cutChunk)},
-        {{"stall", "no answer ever"}, delivery(DeliveryKind::stallBeforeHeader)},
-        {{"stall-in-body", "silence in the middle of the body"}, delivery(DeliveryKind::stallInBody)},
-        {{"endless-headers", "header lines without end"}, delivery(DeliveryKind::endlessHeaders)},
-        {{"endless-body", "a body without end"}, delivery(DeliveryKind::endlessBody)},
+        {{"reset", "the connection is reset before an answer"}, delivery(DeliveryKind::ResetBeforeAnswer)},
+        {{"reset-in-body", "the connection is reset in the body"}, delivery(DeliveryKind::ResetInBody)},
+        {{"close", "the connection is closed before an answer"}, delivery(DeliveryKind::CloseBeforeAnswer)},
+        {{"cut-body", "less of the body than announced"}, delivery(DeliveryKind::CutBody)},
+        {{"cut-chunk", "a chunk is cut off"}, delivery(DeliveryKind::CutChunk)},
+        {{"stall", "no answer ever"}, delivery(DeliveryKind::StallBeforeHeader)},
+        {{"stall-in-body", "silence in the middle of the body"}, delivery(DeliveryKind::StallInBody)},
+        {{"endless-headers", "header lines without end"}, delivery(DeliveryKind::EndlessHeaders)},
+        {{"endless-body", "a body without end"}, delivery(DeliveryKind::EndlessBody)},
         {{"huge-body", "a body of 10 GB"}, hugeBody()},
-        {{"trickle", "one byte a second"}, delivery(DeliveryKind::trickle)},
+        {{"trickle", "one byte a second"}, delivery(DeliveryKind::Trickle)},
     };
     return all;
 }

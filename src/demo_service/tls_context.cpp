@@ -24,21 +24,21 @@ std::optional<Identity> makeServerIdentity(TlsVariant variant, std::string_view 
     }
     const LeafDescription thisMachine{.commonName = "localhost", .alternativeNames = names};
     switch (variant) {
-        case TlsVariant::selfSigned:
+        case TlsVariant::SelfSigned:
             return makeSelfSignedLeaf(thisMachine);
-        case TlsVariant::wrongHost:
+        case TlsVariant::WrongHost:
             return makeLeaf(kAnotherHost, authority);
-        case TlsVariant::expired:
+        case TlsVariant::Expired:
             return makeLeaf(kUntilYesterday, authority);
-        case TlsVariant::trusted:
-        case TlsVariant::tls11:
+        case TlsVariant::Trusted:
+        case TlsVariant::Tls11:
             break;
     }
     return makeLeaf(thisMachine, authority);
 }
 
 bool limitProtocol(SSL_CTX& context, TlsVariant variant) {
-    if (variant != TlsVariant::tls11) {
+    if (variant != TlsVariant::Tls11) {
         return SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION) == 1;
     }
     // The signatures of TLS 1.1 are below OpenSSL's ordinary level of security.

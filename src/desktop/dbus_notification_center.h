@@ -34,10 +34,9 @@ class DbusNotificationCenter final : public QObject, public DistributedNotificat
     /// Blocks until the bus has taken everything that was posted, at most that long. False when it has not.
     bool flush(std::chrono::milliseconds limit);
 
-  private Q_SLOTS:
-    void receive(const QDBusMessage& message);
-
   private:
+    Q_SLOT void receive(const QDBusMessage& message);
+
     struct Unsent {
         std::uint64_t number;
         std::string name;

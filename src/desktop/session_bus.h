@@ -35,10 +35,9 @@ class SessionBus final : public QObject {
     /// After each joining, the first included. Receivers are told in the order in which they were connected.
     void joined();
 
-  private Q_SLOTS:
-    void handleDisconnected();
-
   private:
+    Q_SLOT void handleDisconnected();
+
     void joinInBackground();
     void adopt(const QString& name);
     void tryAgainLater();

@@ -13,7 +13,7 @@ constexpr std::string_view timeoutPrefix = "--timeout=";
 
 Arguments refused(std::string problem) {
     Arguments arguments;
-    arguments.action = Arguments::Action::refuse;
+    arguments.action = Arguments::Action::Refuse;
     arguments.problem = std::move(problem);
     return arguments;
 }
@@ -43,9 +43,9 @@ Arguments parseArguments(const std::vector<std::string>& arguments) {
     Arguments result;
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
         if (*argument == "--help" || *argument == "-h")
-            return showing(Arguments::Action::showHelp);
+            return showing(Arguments::Action::ShowHelp);
         if (*argument == "--version")
-            return showing(Arguments::Action::showVersion);
+            return showing(Arguments::Action::ShowVersion);
         if (*argument == "--lite") {
             result.isLite = true;
             continue;

@@ -8,12 +8,12 @@ namespace corvane::import_command {
 
 /// What the command line asks for.
 struct Arguments {
-    enum class Action { import, showHelp, showVersion, refuse };
+    enum class Action { Import, ShowHelp, ShowVersion, Refuse };
 
-    Action action = Action::import;
+    Action action = Action::Import;
     bool isLite = false;
     std::chrono::seconds timeout = defaultTimeout;
-    std::string problem;  ///< of `refuse`: what is wrong, one line without its end
+    std::string problem;  ///< of `Refuse`: what is wrong, one line without its end
 
     static constexpr std::chrono::seconds defaultTimeout = std::chrono::hours(1);
     static constexpr std::chrono::seconds longestTimeout = std::chrono::hours(24 * 365);

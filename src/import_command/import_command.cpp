@@ -35,7 +35,7 @@ class Deadline {
         using std::chrono::milliseconds;
         const auto left = std::chrono::ceil<milliseconds>(end_ - std::chrono::steady_clock::now());
         if (left <= milliseconds(0))
-            QCoreApplication::exit(timedOut);
+            QCoreApplication::exit(TimedOut);
         else
             timer_.start(std::min<milliseconds>(left, std::chrono::hours(24)));
     }
@@ -49,10 +49,10 @@ class Deadline {
 ExitStatus runImport(const Arguments& arguments, Output& output) {
     const auto folder = reportFolder();
     if (!folder)
-        return fail(couldNotAsk, "this user has no home folder");
+        return fail(CouldNotAsk, "this user has no home folder");
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
-        return fail(couldNotAsk, "cannot reach the session bus: " + bus.lastError().message().toStdString());
+        return fail(CouldNotAsk, "cannot reach the session bus: " + bus.lastError().message().toStdString());
 
     const FolderState before = stateOf(*folder);
     std::optional<FolderProgress> progress;
@@ -64,19 +64,19 @@ ExitStatus runImport(const Arguments& arguments, Output& output) {
     std::optional<std::string> problem;
     ImportRequest request(bus, arguments.isLite, [&problem](std::optional<std::string> endedWith) {
         problem = std::move(endedWith);
-        QCoreApplication::exit(problem ? couldNotAsk : done);
+        QCoreApplication::exit(problem ? CouldNotAsk : Done);
     });
     const Deadline deadline(arguments.timeout);
     QTimer::singleShot(0, &request, &ImportRequest::start);
 
     const int status = QCoreApplication::exec();
     output.clearProgress();
-    if (status == timedOut)
-        return fail(timedOut, timeoutProblem(arguments.timeout));
+    if (status == TimedOut)
+        return fail(TimedOut, timeoutProblem(arguments.timeout));
     if (problem)
-        return fail(couldNotAsk, *problem);
+        return fail(CouldNotAsk, *problem);
     output.writeReports(*folder, changedFiles(before, stateOf(*folder)));
-    return done;
+    return Done;
 }
 
 }  // namespace corvane::import_command

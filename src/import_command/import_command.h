@@ -6,7 +6,7 @@
 namespace corvane::import_command {
 
 /// What the command ends with, beside 128 + n after a signal.
-enum ExitStatus : int { done = 0, couldNotAsk = 1, wrongUsage = 2, timedOut = 3 };
+enum ExitStatus : int { Done = 0, CouldNotAsk = 1, WrongUsage = 2, TimedOut = 3 };
 
 /// Asks for an import and waits for its end; needs the application object. Problems go to standard error.
 ExitStatus runImport(const Arguments& arguments, Output& output);

@@ -84,24 +84,24 @@ void ImportRequest::startProgram() {
 }
 
 void ImportRequest::ask() {
-    if (phase_ != Phase::notAsked)
+    if (phase_ != Phase::NotAsked)
         return;
     QDBusMessage request = QDBusMessage::createSignal(notificationPath, notificationInterface,
                                                       QString::fromLatin1(kNotificationCorvaneReloadData));
     request << QString::fromStdString(optionsText(isLite_));
-    phase_ = Phase::asked;
+    phase_ = Phase::Asked;
     if (!bus_.send(request))
         end("cannot ask on the session bus: " + bus_.lastError().message().toStdString());
 }
 
 void ImportRequest::finishAnnounced() {
-    if (phase_ == Phase::asked)
+    if (phase_ == Phase::Asked)
         end(std::nullopt);
 }
 
 void ImportRequest::programOwnerChanged(const QString& /*name*/, const QString& /*oldOwner*/,
                                         const QString& newOwner) {
-    if (phase_ == Phase::asked && newOwner.isEmpty())
+    if (phase_ == Phase::Asked && newOwner.isEmpty())
         end("Corvane ended before the import did");
 }
 
@@ -110,9 +110,9 @@ void ImportRequest::busLost() {
 }
 
 void ImportRequest::end(std::optional<std::string> problem) {
-    if (phase_ == Phase::over)
+    if (phase_ == Phase::Over)
         return;
-    phase_ = Phase::over;
+    phase_ = Phase::Over;
     atEnd_(std::move(problem));
 }
 

@@ -25,7 +25,7 @@ class ImportRequest : public QObject {
     void start();
 
   private:
-    enum class Phase { notAsked, asked, over };
+    enum class Phase { NotAsked, Asked, Over };
 
     Q_SLOT void finishAnnounced();
     Q_SLOT void programOwnerChanged(const QString& name, const QString& oldOwner, const QString& newOwner);
@@ -40,7 +40,7 @@ class ImportRequest : public QObject {
     QDBusConnection bus_;
     bool isLite_;
     EndHandler atEnd_;
-    Phase phase_ = Phase::notAsked;
+    Phase phase_ = Phase::NotAsked;
 };
 
 }  // namespace corvane::import_command

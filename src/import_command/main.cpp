@@ -12,16 +12,16 @@ using namespace corvane::import_command;
 
 ExitStatus run(const Arguments& arguments, Output& output) {
     switch (arguments.action) {
-        case Arguments::Action::showHelp:
+        case Arguments::Action::ShowHelp:
             output.write(helpText());
-            return done;
-        case Arguments::Action::showVersion:
+            return Done;
+        case Arguments::Action::ShowVersion:
             output.write(versionText());
-            return done;
-        case Arguments::Action::refuse:
+            return Done;
+        case Arguments::Action::Refuse:
             std::fputs(usageProblem(arguments.problem).c_str(), stderr);
-            return wrongUsage;
-        case Arguments::Action::import:
+            return WrongUsage;
+        case Arguments::Action::Import:
             break;
     }
     return runImport(arguments, output);
@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
     const ExitStatus status = run(arguments, output);
     if (!output.flush()) {
         std::fputs(problemLine("cannot write the output").c_str(), stderr);
-        return status == done ? couldNotAsk : status;
+        return status == Done ? CouldNotAsk : status;
     }
     return status;
 }

@@ -22,7 +22,7 @@ BehaviourRule always(Behaviour behaviour) {
 }
 
 std::string madeUpReport() {
-    return MadeUpReportSource().report("80012345", ReportDateType::daily, 2015y / 1 / 4).value_or("");
+    return MadeUpReportSource().report("80012345", ReportDateType::Daily, 2015y / 1 / 4).value_or("");
 }
 
 Fetched fetchWith(Behaviour behaviour) {
@@ -113,7 +113,7 @@ TEST(Answers, OnlyAPostToTheExactPathIsServed) {
 }
 
 TEST(Answers, ErrorMessagesCanBeMadeUp) {
-    const Fetched fetched = fetchWith({.content = Content::errorMessage, .errorMessage = "Come back later."});
+    const Fetched fetched = fetchWith({.content = Content::ErrorMessage, .errorMessage = "Come back later."});
     EXPECT_TRUE(fetched.hasHeaderLine("ERRORMSG: Come back later."));
     EXPECT_FALSE(fetched.hasHeader(kDisposition));
     EXPECT_EQ(fetched.status, 200);
@@ -122,48 +122,48 @@ TEST(Answers, ErrorMessagesCanBeMadeUp) {
 TEST(Answers, ReportsCanBeDamaged) {
     const std::string text = madeUpReport();
 
-    const Fetched truncated = fetchWith({.content = Content::truncatedReport});
+    const Fetched truncated = fetchWith({.content = Content::TruncatedReport});
     EXPECT_EQ(truncated.result, CURLE_OK);
     EXPECT_TRUE(truncated.hasHeaderLine(kName));
     EXPECT_TRUE(truncated.body.starts_with("\x1F\x8B"));
     EXPECT_FALSE(gunzipped(truncated.body));
 
-    const Fetched wrongChecksum = fetchWith({.content = Content::wrongChecksumReport});
+    const Fetched wrongChecksum = fetchWith({.content = Content::WrongChecksumReport});
     EXPECT_TRUE(wrongChecksum.hasHeaderLine(kName));
     EXPECT_FALSE(gunzipped(wrongChecksum.body));
     std::string repaired = wrongChecksum.body;
     repaired[repaired.size() - 8] = static_cast<char>(repaired[repaired.size() - 8] ^ 0xFF);
     EXPECT_EQ(gunzipped(repaired), text);
 
-    const Fetched unpacked = fetchWith({.content = Content::unpackedReport});
+    const Fetched unpacked = fetchWith({.content = Content::UnpackedReport});
     EXPECT_TRUE(unpacked.hasHeaderLine(kName));
     EXPECT_EQ(unpacked.body, text);
 
-    const Fetched notUtf8 = fetchWith({.content = Content::notUtf8Report});
+    const Fetched notUtf8 = fetchWith({.content = Content::NotUtf8Report});
     EXPECT_TRUE(notUtf8.hasHeaderLine(kName));
     EXPECT_NE(gunzipped(notUtf8.body).value_or("").find("\xC3\x28\xFF"), std::string::npos);
 }
 
 TEST(Answers, PagesAndStatusesSuggestNoNameUnlessTold) {
     for (const int status : {200, 429, 500, 502}) {
-        const Fetched fetched = fetchWith({.content = Content::htmlPage, .statusCode = status});
+        const Fetched fetched = fetchWith({.content = Content::HtmlPage, .statusCode = status});
         EXPECT_EQ(fetched.status, status);
         EXPECT_TRUE(fetched.hasHeaderLine("Content-Type: text/html")) << status;
         EXPECT_FALSE(fetched.hasHeader(kDisposition)) << status;
         EXPECT_NE(fetched.body.find("<form"), std::string::npos) << status;
     }
-    const Fetched named = fetchWith({.content = Content::htmlPage, .fileName = "signin.html"});
+    const Fetched named = fetchWith({.content = Content::HtmlPage, .fileName = "signin.html"});
     EXPECT_TRUE(named.hasHeaderLine("Content-Disposition: attachment; filename=signin.html"));
     EXPECT_EQ(fetchWith({.statusCode = 500}).status, 500);
 }
 
 TEST(Answers, BodiesCanBeEmptyOrAnything) {
-    const Fetched empty = fetchWith({.content = Content::emptyBody});
+    const Fetched empty = fetchWith({.content = Content::EmptyBody});
     EXPECT_EQ(empty.result, CURLE_OK);
     EXPECT_TRUE(empty.hasHeaderLine(kName));
     EXPECT_EQ(empty.body, "");
 
-    const Fetched custom = fetchWith({.content = Content::customBody, .body = toBytes({"a\0b", 3})});
+    const Fetched custom = fetchWith({.content = Content::CustomBody, .body = toBytes({"a\0b", 3})});
     EXPECT_TRUE(custom.hasHeaderLine(kName));
     EXPECT_EQ(custom.body, std::string("a\0b", 3));
 }
@@ -179,7 +179,7 @@ TEST(Answers, FileNamesAndHeaderLinesGoOutAsTheyAre) {
     EXPECT_FALSE(fetchWith({.fileName = ""}).hasHeader(kDisposition));
 
     const Fetched fetched =
-        fetchWith({.content = Content::noReport, .extraHeaderLines = {"errormsg: lower", "ErrorMsg:none  "}});
+        fetchWith({.content = Content::NoReport, .extraHeaderLines = {"errormsg: lower", "ErrorMsg:none  "}});
     EXPECT_TRUE(fetched.hasHeaderLine("errormsg: lower"));
     EXPECT_TRUE(fetched.hasHeaderLine("ErrorMsg:none  "));
 }
@@ -189,7 +189,7 @@ TEST(Answers, RedirectsPointWhereTheyAreTold) {
         const auto service = startService();
         const std::string target = "http://" + service->redirectTargetHost() + "/elsewhere";
         service->setBehaviour(
-            always({.content = Content::htmlPage, .statusCode = status, .location = target}));
+            always({.content = Content::HtmlPage, .statusCode = status, .location = target}));
         const Fetched fetched = fetchReport(*service);
         EXPECT_EQ(fetched.status, status);
         EXPECT_TRUE(fetched.hasHeaderLine("Location: " + target));
@@ -206,8 +206,8 @@ TEST(Answers, RedirectsPointWhereTheyAreTold) {
 TEST(Answers, ARuleSeesEachRequestWithItsPlaceInTheList) {
     const auto service =
         startService({.behaviour = [](const ReportRequest& request) -> std::optional<Behaviour> {
-            if (request.dateType == ReportDateType::daily && request.index == 1) {
-                return Behaviour{.content = Content::wrongSignIn};
+            if (request.dateType == ReportDateType::Daily && request.index == 1) {
+                return Behaviour{.content = Content::WrongSignIn};
             }
             return std::nullopt;
         }});

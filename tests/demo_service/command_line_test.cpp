@@ -16,7 +16,7 @@ TEST(CommandLine, AsksForNothingByDefault) {
     const auto line = parseCommandLine({}, problem);
     ASSERT_TRUE(line) << problem;
     EXPECT_EQ(line->port, 0);
-    EXPECT_EQ(line->tls, TlsVariant::trusted);
+    EXPECT_EQ(line->tls, TlsVariant::Trusted);
     EXPECT_EQ(line->every, 1U);
     EXPECT_TRUE(line->scenario.empty());
     EXPECT_TRUE(line->feedVersion.empty());
@@ -39,7 +39,7 @@ TEST(CommandLine, ReadsEveryOption) {
     EXPECT_EQ(line->updatePort, 65535);
     EXPECT_EQ(line->caFile, "/x/ca.pem");
     EXPECT_EQ(line->accountsFile, "/x/a.tsv");
-    EXPECT_EQ(line->tls, TlsVariant::expired);
+    EXPECT_EQ(line->tls, TlsVariant::Expired);
     EXPECT_EQ(line->hostName, "reports.example");
     EXPECT_EQ(line->latency, 250ms);
     EXPECT_EQ(line->reportSize, 500'000U);

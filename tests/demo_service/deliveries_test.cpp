@@ -16,7 +16,7 @@ using End = RawTlsClient::End;
 constexpr std::string_view kHeadEnd = "\r\n\r\n";
 
 Behaviour deliveredAs(Delivery delivery) {
-    return {.content = Content::customBody, .body = toBytes("0123456789"), .delivery = delivery};
+    return {.content = Content::CustomBody, .body = toBytes("0123456789"), .delivery = delivery};
 }
 
 std::unique_ptr<DemoService> serviceThatDelivers(Delivery delivery) {
@@ -43,7 +43,7 @@ Received receivedAs(DeliveryKind kind) {
 }
 
 TEST(Deliveries, ChunkedIsACompleteAnswer) {
-    const auto service = serviceThatDelivers({.kind = DeliveryKind::chunked});
+    const auto service = serviceThatDelivers({.kind = DeliveryKind::Chunked});
     CurlClient client(service->caCertificate());
     for (int round = 0; round < 2; ++round) {
         const Fetched fetched = client.post(reportUrl(*service), formFor("1", "Daily", "20150104"));
@@ -55,63 +55,63 @@ TEST(Deliveries, ChunkedIsACompleteAnswer) {
 }
 
 TEST(Deliveries, AResetEndsTheConnectionHard) {
-    const Received before = receivedAs(DeliveryKind::resetBeforeAnswer);
+    const Received before = receivedAs(DeliveryKind::ResetBeforeAnswer);
     EXPECT_EQ(before.message, "");
-    EXPECT_EQ(before.end, End::reset);
+    EXPECT_EQ(before.end, End::Reset);
 
     // What was under way when the reset came may or may not have been read.
-    const Received inBody = receivedAs(DeliveryKind::resetInBody);
-    EXPECT_EQ(inBody.end, End::reset);
+    const Received inBody = receivedAs(DeliveryKind::ResetInBody);
+    EXPECT_EQ(inBody.end, End::Reset);
     EXPECT_EQ(inBody.message.find("56789"), std::string::npos);
 }
 
 TEST(Deliveries, ACloseBeforeTheAnswerIsInOrder) {
-    const Received received = receivedAs(DeliveryKind::closeBeforeAnswer);
+    const Received received = receivedAs(DeliveryKind::CloseBeforeAnswer);
     EXPECT_EQ(received.message, "");
-    EXPECT_EQ(received.end, End::closedInOrder);
+    EXPECT_EQ(received.end, End::ClosedInOrder);
 }
 
 TEST(Deliveries, ACutBodyIsShorterThanAnnounced) {
-    const Received received = receivedAs(DeliveryKind::cutBody);
+    const Received received = receivedAs(DeliveryKind::CutBody);
     EXPECT_NE(received.message.find("\r\nContent-Length: 10\r\n"), std::string::npos) << received.message;
     EXPECT_EQ(bodyOf(received.message), "01234");
-    EXPECT_EQ(received.end, End::closedInOrder);
+    EXPECT_EQ(received.end, End::ClosedInOrder);
 
-    const auto service = serviceThatDelivers({.kind = DeliveryKind::cutBody});
+    const auto service = serviceThatDelivers({.kind = DeliveryKind::CutBody});
     EXPECT_EQ(fetchReport(*service).result, CURLE_PARTIAL_FILE);
 }
 
 TEST(Deliveries, AnEmptyBodyCanBeCutToo) {
     const auto service = startService({.behaviour = [](const ReportRequest&) {
-        return Behaviour{.content = Content::emptyBody, .delivery = {.kind = DeliveryKind::cutBody}};
+        return Behaviour{.content = Content::EmptyBody, .delivery = {.kind = DeliveryKind::CutBody}};
     }});
     EXPECT_EQ(fetchReport(*service).result, CURLE_PARTIAL_FILE);
 }
 
 TEST(Deliveries, ACutChunkEndsInsideAChunk) {
-    const Received received = receivedAs(DeliveryKind::cutChunk);
+    const Received received = receivedAs(DeliveryKind::CutChunk);
     EXPECT_EQ(bodyOf(received.message), "b\r\n01234");
-    EXPECT_EQ(received.end, End::closedInOrder);
+    EXPECT_EQ(received.end, End::ClosedInOrder);
 
-    const auto service = serviceThatDelivers({.kind = DeliveryKind::cutChunk});
+    const auto service = serviceThatDelivers({.kind = DeliveryKind::CutChunk});
     EXPECT_NE(fetchReport(*service).result, CURLE_OK);
 }
 
 TEST(Deliveries, AStallKeepsTheConnectionOpen) {
-    const std::pair<DeliveryKind, std::string> rows[] = {{DeliveryKind::stallBeforeHeader, "no head"},
-                                                         {DeliveryKind::stallInBody, "01234"}};
+    const std::pair<DeliveryKind, std::string> rows[] = {{DeliveryKind::StallBeforeHeader, "no head"},
+                                                         {DeliveryKind::StallInBody, "01234"}};
     for (const auto& [kind, body] : rows) {
         const auto service = serviceThatDelivers({.kind = kind});
         RawTlsClient client(service->port());
         ASSERT_TRUE(client.send(rawReportRequest()));
         client.setReadTimeout(100ms);
         EXPECT_EQ(bodyOf(client.readToTheEnd()), body);
-        EXPECT_EQ(client.end(), End::timedOut) << body;
+        EXPECT_EQ(client.end(), End::TimedOut) << body;
     }
 }
 
 TEST(Deliveries, EndlessHeadersNeverReachTheBody) {
-    const auto service = serviceThatDelivers({.kind = DeliveryKind::endlessHeaders});
+    const auto service = serviceThatDelivers({.kind = DeliveryKind::EndlessHeaders});
     RawTlsClient client(service->port());
     ASSERT_TRUE(client.send(rawReportRequest()));
     const std::string head = client.read(3'000'000);
@@ -121,7 +121,7 @@ TEST(Deliveries, EndlessHeadersNeverReachTheBody) {
 }
 
 TEST(Deliveries, AnEndlessBodyGoesOnAndOn) {
-    const auto service = serviceThatDelivers({.kind = DeliveryKind::endlessBody});
+    const auto service = serviceThatDelivers({.kind = DeliveryKind::EndlessBody});
     RawTlsClient client(service->port());
     ASSERT_TRUE(client.send(rawReportRequest()));
     const std::string message = client.read(3'000'000);
@@ -130,7 +130,7 @@ TEST(Deliveries, AnEndlessBodyGoesOnAndOn) {
 }
 
 TEST(Deliveries, AHugeBodyIsAnnouncedAndSent) {
-    const auto service = serviceThatDelivers({.kind = DeliveryKind::endlessBody, .bodySize = 10'000'000'000});
+    const auto service = serviceThatDelivers({.kind = DeliveryKind::EndlessBody, .bodySize = 10'000'000'000});
     RawTlsClient client(service->port());
     ASSERT_TRUE(client.send(rawReportRequest()));
     const std::string message = client.read(3'000'000);
@@ -139,7 +139,7 @@ TEST(Deliveries, AHugeBodyIsAnnouncedAndSent) {
 }
 
 TEST(Deliveries, ASizedBodyEndsAtItsSize) {
-    const auto service = serviceThatDelivers({.kind = DeliveryKind::endlessBody, .bodySize = 1'000'001});
+    const auto service = serviceThatDelivers({.kind = DeliveryKind::EndlessBody, .bodySize = 1'000'001});
     const Fetched fetched = fetchReport(*service);
     EXPECT_EQ(fetched.result, CURLE_OK);
     EXPECT_EQ(fetched.body.size(), 1'000'001U);
@@ -147,14 +147,14 @@ TEST(Deliveries, ASizedBodyEndsAtItsSize) {
 
 TEST(Deliveries, ATrickleTakesItsInterval) {
     using std::chrono::steady_clock;
-    for (const DeliveryKind kind : {DeliveryKind::trickle, DeliveryKind::trickleBody}) {
+    for (const DeliveryKind kind : {DeliveryKind::Trickle, DeliveryKind::TrickleBody}) {
         const auto service = serviceThatDelivers({.kind = kind, .interval = 5ms});
         const auto start = steady_clock::now();
         const Fetched fetched = fetchReport(*service);
         const auto taken = steady_clock::now() - start;
         EXPECT_EQ(fetched.result, CURLE_OK);
         EXPECT_EQ(fetched.body, "0123456789");
-        const bool isHeadSlowToo = kind == DeliveryKind::trickle;
+        const bool isHeadSlowToo = kind == DeliveryKind::Trickle;
         EXPECT_GE(taken, isHeadSlowToo ? 5ms * 110 : 5ms * 9);
     }
 }

@@ -77,7 +77,7 @@ TEST(DemoService, EndsAConnectionThatSendsNoRequest) {
         RawTlsClient client(service->port());
         static_cast<void>(client.send(row));
         EXPECT_EQ(client.readToTheEnd(), "") << row.substr(0, 80);
-        EXPECT_NE(client.end(), RawTlsClient::End::timedOut) << row.substr(0, 80);
+        EXPECT_NE(client.end(), RawTlsClient::End::TimedOut) << row.substr(0, 80);
     }
     EXPECT_EQ(service->requests().count(), 0U);
 }
@@ -120,14 +120,14 @@ TEST(DemoService, KeepsNoRequestsWhenTold) {
 }
 
 TEST(DemoService, EndsAtOnceHoweverConnectionsAreStalled) {
-    const DeliveryKind kinds[] = {DeliveryKind::stallBeforeHeader, DeliveryKind::stallInBody,
-                                  DeliveryKind::endlessHeaders,    DeliveryKind::endlessBody,
-                                  DeliveryKind::trickle,           DeliveryKind::whole};
+    const DeliveryKind kinds[] = {DeliveryKind::StallBeforeHeader, DeliveryKind::StallInBody,
+                                  DeliveryKind::EndlessHeaders,    DeliveryKind::EndlessBody,
+                                  DeliveryKind::Trickle,           DeliveryKind::Whole};
     for (const DeliveryKind kind : kinds) {
         const Delivery delivery{.kind = kind, .interval = 1h};
         auto service =
             startService({.behaviour = [=](const ReportRequest&) { return Behaviour{.delivery = delivery}; },
-                          .updateFeed = {.delivery = {.kind = DeliveryKind::stallBeforeHeader}}});
+                          .updateFeed = {.delivery = {.kind = DeliveryKind::StallBeforeHeader}}});
         RawTlsClient client(service->port());
         ASSERT_TRUE(client.send(rawReportRequest()));
         ASSERT_TRUE(service->requests().waitForCount(1, 10s));
@@ -155,12 +155,12 @@ TEST(DemoService, IsRefusedWithABadCertificate) {
         CURLcode result;
     };
     const Row rows[] = {
-        {TlsVariant::trusted, "localhost", CURLE_OK},
-        {TlsVariant::trusted, "127.0.0.1", CURLE_OK},
-        {TlsVariant::selfSigned, "localhost", CURLE_PEER_FAILED_VERIFICATION},
-        {TlsVariant::wrongHost, "localhost", CURLE_PEER_FAILED_VERIFICATION},
-        {TlsVariant::expired, "localhost", CURLE_PEER_FAILED_VERIFICATION},
-        {TlsVariant::tls11, "localhost", CURLE_SSL_CONNECT_ERROR},
+        {TlsVariant::Trusted, "localhost", CURLE_OK},
+        {TlsVariant::Trusted, "127.0.0.1", CURLE_OK},
+        {TlsVariant::SelfSigned, "localhost", CURLE_PEER_FAILED_VERIFICATION},
+        {TlsVariant::WrongHost, "localhost", CURLE_PEER_FAILED_VERIFICATION},
+        {TlsVariant::Expired, "localhost", CURLE_PEER_FAILED_VERIFICATION},
+        {TlsVariant::Tls11, "localhost", CURLE_SSL_CONNECT_ERROR},
     };
     for (const Row& row : rows) {
         const auto service = startService({.tls = row.variant});
@@ -201,7 +201,7 @@ TEST(DemoService, CanHaveACertificateForAnotherName) {
 }
 
 TEST(DemoService, SpeaksTheProtocolVersionOfItsVariant) {
-    const auto old = startService({.tls = TlsVariant::tls11});
+    const auto old = startService({.tls = TlsVariant::Tls11});
     EXPECT_EQ(RawTlsClient(old->port()).protocol(), "TLSv1.1");
     const auto current = startService();
     EXPECT_EQ(RawTlsClient(current->port()).protocol(), "TLSv1.3");
@@ -250,9 +250,9 @@ TEST(UpdateFeed, CanBeAnything) {
     EXPECT_TRUE(client.get(feedUrl(*service)).hasHeaderLine("Content-Type: text/html"));
     service->setUpdateFeed({});
     EXPECT_EQ(client.get(feedUrl(*service)).body, "");
-    service->setUpdateFeed({.delivery = {.kind = DeliveryKind::resetBeforeAnswer}});
+    service->setUpdateFeed({.delivery = {.kind = DeliveryKind::ResetBeforeAnswer}});
     EXPECT_NE(client.get(feedUrl(*service)).result, CURLE_OK);
-    service->setUpdateFeed({.delivery = {.kind = DeliveryKind::stallBeforeHeader}});
+    service->setUpdateFeed({.delivery = {.kind = DeliveryKind::StallBeforeHeader}});
     client.setTimeout(100ms);
     EXPECT_EQ(client.get(feedUrl(*service)).result, CURLE_OPERATION_TIMEDOUT);
 }

@@ -34,24 +34,24 @@ std::string reportOf(std::string_view vendor, ReportDateType type, std::chrono::
 }
 
 TEST(MadeUpReportSource, RepeatsTheSameReport) {
-    const std::string report = reportOf("80012345", ReportDateType::daily, 2015y / 1 / 4);
-    EXPECT_EQ(report, reportOf("80012345", ReportDateType::daily, 2015y / 1 / 4));
-    EXPECT_NE(report, reportOf("80012346", ReportDateType::daily, 2015y / 1 / 4));
-    EXPECT_NE(report, reportOf("80012345", ReportDateType::daily, 2015y / 1 / 5));
-    EXPECT_NE(report, reportOf("80012345", ReportDateType::weekly, 2015y / 1 / 4));
+    const std::string report = reportOf("80012345", ReportDateType::Daily, 2015y / 1 / 4);
+    EXPECT_EQ(report, reportOf("80012345", ReportDateType::Daily, 2015y / 1 / 4));
+    EXPECT_NE(report, reportOf("80012346", ReportDateType::Daily, 2015y / 1 / 4));
+    EXPECT_NE(report, reportOf("80012345", ReportDateType::Daily, 2015y / 1 / 5));
+    EXPECT_NE(report, reportOf("80012345", ReportDateType::Weekly, 2015y / 1 / 4));
 }
 
 TEST(MadeUpReportSource, GivesOneReportForAllDaysOfAMonthOrYear) {
-    EXPECT_EQ(reportOf("1", ReportDateType::monthly, 2015y / 1 / 1),
-              reportOf("1", ReportDateType::monthly, 2015y / 1 / 29));
-    EXPECT_NE(reportOf("1", ReportDateType::monthly, 2015y / 1 / 29),
-              reportOf("1", ReportDateType::monthly, 2015y / 2 / 26));
-    EXPECT_EQ(reportOf("1", ReportDateType::yearly, 2015y / 1 / 1),
-              reportOf("1", ReportDateType::yearly, 2015y / 12 / 31));
+    EXPECT_EQ(reportOf("1", ReportDateType::Monthly, 2015y / 1 / 1),
+              reportOf("1", ReportDateType::Monthly, 2015y / 1 / 29));
+    EXPECT_NE(reportOf("1", ReportDateType::Monthly, 2015y / 1 / 29),
+              reportOf("1", ReportDateType::Monthly, 2015y / 2 / 26));
+    EXPECT_EQ(reportOf("1", ReportDateType::Yearly, 2015y / 1 / 1),
+              reportOf("1", ReportDateType::Yearly, 2015y / 12 / 31));
 }
 
 TEST(MadeUpReportSource, HasTheColumnsOfASalesSummaryReport) {
-    const auto lines = split(reportOf("80012345", ReportDateType::daily, 2015y / 1 / 4), '\n');
+    const auto lines = split(reportOf("80012345", ReportDateType::Daily, 2015y / 1 / 4), '\n');
     ASSERT_GT(lines.size(), 3U);
     EXPECT_EQ(lines.front(), kHeaderRow);
     EXPECT_EQ(lines.back(), "");
@@ -75,11 +75,11 @@ TEST(MadeUpReportSource, CoversThePeriodOfTheType) {
         std::string end;
     };
     const Row rows[] = {
-        {ReportDateType::daily, 2015y / 1 / 4, "01/04/2015", "01/04/2015"},
-        {ReportDateType::weekly, 2015y / 1 / 4, "12/29/2014", "01/04/2015"},
-        {ReportDateType::monthly, 2016y / 2 / 5, "02/01/2016", "02/29/2016"},
-        {ReportDateType::monthly, 2015y / 12 / 31, "12/01/2015", "12/31/2015"},
-        {ReportDateType::yearly, 2015y / 7 / 1, "01/01/2015", "12/31/2015"},
+        {ReportDateType::Daily, 2015y / 1 / 4, "01/04/2015", "01/04/2015"},
+        {ReportDateType::Weekly, 2015y / 1 / 4, "12/29/2014", "01/04/2015"},
+        {ReportDateType::Monthly, 2016y / 2 / 5, "02/01/2016", "02/29/2016"},
+        {ReportDateType::Monthly, 2015y / 12 / 31, "12/01/2015", "12/31/2015"},
+        {ReportDateType::Yearly, 2015y / 7 / 1, "01/01/2015", "12/31/2015"},
     };
     for (const Row& row : rows) {
         const auto lines = split(reportOf("80012345", row.type, row.date), '\n');
@@ -94,7 +94,7 @@ TEST(MadeUpReportSource, CoversThePeriodOfTheType) {
 TEST(MadeUpReportSource, IsAsLongAsAsked) {
     for (const std::size_t size : {std::size_t{1}, std::size_t{5'000}, std::size_t{500'000}}) {
         MadeUpReportSource source(size);
-        const auto report = source.report("80012345", ReportDateType::daily, 2015y / 1 / 4);
+        const auto report = source.report("80012345", ReportDateType::Daily, 2015y / 1 / 4);
         ASSERT_TRUE(report);
         EXPECT_GE(report->size(), size);
         EXPECT_LT(report->size(), size + 1000);

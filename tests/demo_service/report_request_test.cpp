@@ -22,7 +22,7 @@ TEST(ReportRequest, ReadsEveryFieldOfTheForm) {
     EXPECT_EQ(request->userName, "jane@example.com");
     EXPECT_EQ(request->password, "a b");
     EXPECT_EQ(request->vendorId, "80012345");
-    EXPECT_EQ(request->dateType, ReportDateType::weekly);
+    EXPECT_EQ(request->dateType, ReportDateType::Weekly);
     EXPECT_EQ(request->date, 2015y / 1 / 4);
 }
 

@@ -37,10 +37,10 @@ TEST(Scenarios, SignInIsRefusedAtTheFirstDate) {
 }
 
 TEST(Scenarios, SignInIsRefusedInTheMiddleOfAFullList) {
-    const std::pair<ReportDateType, std::size_t> rows[] = {{ReportDateType::daily, 183},
-                                                           {ReportDateType::weekly, 28},
-                                                           {ReportDateType::monthly, 7},
-                                                           {ReportDateType::yearly, 5}};
+    const std::pair<ReportDateType, std::size_t> rows[] = {{ReportDateType::Daily, 183},
+                                                           {ReportDateType::Weekly, 28},
+                                                           {ReportDateType::Monthly, 7},
+                                                           {ReportDateType::Yearly, 5}};
     for (const auto& [type, index] : rows) {
         EXPECT_TRUE(decide("wrong-sign-in-middle", {.dateType = type, .index = index})) << letterOf(type);
         EXPECT_FALSE(decide("wrong-sign-in-middle", {.dateType = type, .index = index - 1}))
@@ -55,10 +55,10 @@ TEST(Scenarios, SignInIsRefusedAtTheLastDateOfAList) {
         bool isLast;
     };
     const Row rows[] = {
-        {ReportDateType::daily, 2015y / 1 / 4, true},   {ReportDateType::daily, 2015y / 1 / 3, false},
-        {ReportDateType::weekly, 2015y / 1 / 4, true},  {ReportDateType::weekly, 2014y / 12 / 28, false},
-        {ReportDateType::monthly, 2015y / 1 / 3, true}, {ReportDateType::monthly, 2014y / 12 / 6, false},
-        {ReportDateType::yearly, 2015y / 1 / 4, true},  {ReportDateType::yearly, 2014y / 1 / 4, false},
+        {ReportDateType::Daily, 2015y / 1 / 4, true},   {ReportDateType::Daily, 2015y / 1 / 3, false},
+        {ReportDateType::Weekly, 2015y / 1 / 4, true},  {ReportDateType::Weekly, 2014y / 12 / 28, false},
+        {ReportDateType::Monthly, 2015y / 1 / 3, true}, {ReportDateType::Monthly, 2014y / 12 / 6, false},
+        {ReportDateType::Yearly, 2015y / 1 / 4, true},  {ReportDateType::Yearly, 2014y / 1 / 4, false},
     };
     for (const Row& row : rows) {
         const auto decided = decide("wrong-sign-in-last", {.dateType = row.type, .date = row.date});

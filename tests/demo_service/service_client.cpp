@@ -195,11 +195,11 @@ std::string RawTlsClient::read(std::size_t count) {
         const int savedErrno = errno;
         const int error = SSL_get_error(tls_.get(), result);
         if (error == SSL_ERROR_ZERO_RETURN) {
-            end_ = End::closedInOrder;
+            end_ = End::ClosedInOrder;
         } else if (error == SSL_ERROR_WANT_READ) {
-            end_ = End::timedOut;
+            end_ = End::TimedOut;
         } else {
-            end_ = savedErrno == ECONNRESET ? End::reset : End::closed;
+            end_ = savedErrno == ECONNRESET ? End::Reset : End::Closed;
         }
         return text;
     }

@@ -66,7 +66,7 @@ std::optional<std::string> gunzipped(std::string_view packed);
 /// A TLS connection to look at single bytes. Blocks while reading, for 10 s at most. Checks no certificate.
 class RawTlsClient {
   public:
-    enum class End { closedInOrder, closed, reset, timedOut };
+    enum class End { ClosedInOrder, Closed, Reset, TimedOut };
 
     explicit RawTlsClient(std::uint16_t port);
     RawTlsClient(const RawTlsClient&) = delete;
@@ -89,7 +89,7 @@ class RawTlsClient {
     TlsContextPointer context_;
     TlsPointer tls_;
     bool isConnected_ = false;
-    End end_ = End::closed;
+    End end_ = End::Closed;
 };
 
 /// A complete request for a report as text.

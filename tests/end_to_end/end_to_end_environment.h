@@ -12,7 +12,7 @@ namespace corvane::test {
 /// The program against a report service of the test's own at the address that it was built for.
 class EndToEndTest : public testing::Test, protected ProgramAtHome {
   protected:
-    void startService(demo::TlsVariant tls = demo::TlsVariant::trusted);
+    void startService(demo::TlsVariant tls = demo::TlsVariant::Trusted);
 
     std::unique_ptr<demo::DemoService> service_;
 };

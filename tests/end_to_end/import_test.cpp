@@ -23,8 +23,8 @@ using testing::Not;
 using testing::UnorderedElementsAre;
 
 constexpr const char* password = "Geheim-Passw0rd";
-constexpr ReportDateType allTypes[] = {ReportDateType::daily, ReportDateType::weekly, ReportDateType::monthly,
-                                       ReportDateType::yearly};
+constexpr ReportDateType allTypes[] = {ReportDateType::Daily, ReportDateType::Weekly, ReportDateType::Monthly,
+                                       ReportDateType::Yearly};
 
 const AccountTexts ordinaryAccount{"jane@example.com", password, "80012345"};
 
@@ -126,8 +126,8 @@ TEST_F(ImportTest, FetchesEverythingOnceAndLaterOnlyWhatIsMissing) {
     host_->requestImport(R"({"isLite": false})");
     ASSERT_TRUE(host_->waitForFinishes(2, patience)) << log();
     EXPECT_EQ(program_->waitForExit(patience), 0) << log();
-    EXPECT_THAT(daysAsked(service_->requests()), ElementsAre(testing::Pair(ReportDateType::daily, missing)));
-    laterCache.push_back(keyOf(ReportDateType::daily, missing.front()));
+    EXPECT_THAT(daysAsked(service_->requests()), ElementsAre(testing::Pair(ReportDateType::Daily, missing)));
+    laterCache.push_back(keyOf(ReportDateType::Daily, missing.front()));
     EXPECT_EQ(cache(), laterCache);
 }
 
@@ -143,7 +143,7 @@ TEST_F(ImportTest, SendsEveryTextInTheServicesEscapes) {
     ASSERT_TRUE(host_->waitForFinishes(1, patience)) << log();
 
     const std::string rest = "&TYPEOFREPORT=Sales&DATETYPE=Daily&REPORTTYPE=Summary&REPORTDATE=" +
-                             keyOf(ReportDateType::daily, missing.front());
+                             keyOf(ReportDateType::Daily, missing.front());
     std::vector<std::string> bodies;
     for (const demo::ReceivedRequest& request : service_->requests().requests()) {
         bodies.emplace_back(asText(request.body));
@@ -166,7 +166,7 @@ TEST_F(ImportTest, SendsEveryTextInTheServicesEscapes) {
                     "&VNDNUMBER=%252520%25251%2525%40%2525s" +
                         rest));
     EXPECT_THAT(cache("settingsKeyReportsDownloadedLiteCache"),
-                Contains(keyOf(ReportDateType::daily, missing.front())));
+                Contains(keyOf(ReportDateType::Daily, missing.front())));
     EXPECT_THAT(cache(), fullCache());
 }
 
@@ -176,12 +176,12 @@ TEST_F(ImportTest, GoesOnAfterFailuresThatLeaveNothingBehind) {
     writeAccountMissing(days);
     const std::string elsewhere = "https://" + service_->redirectTargetHost() + "/signin";
     const std::vector<demo::Behaviour> behaviours{
-        {.delivery = {.kind = demo::DeliveryKind::resetBeforeAnswer}},
-        {.delivery = {.kind = demo::DeliveryKind::cutBody}},
-        {.content = demo::Content::htmlPage, .statusCode = 500},
-        {.content = demo::Content::htmlPage},
-        {.content = demo::Content::htmlPage, .statusCode = 302, .location = elsewhere},
-        {.delivery = {.kind = demo::DeliveryKind::resetInBody}},
+        {.delivery = {.kind = demo::DeliveryKind::ResetBeforeAnswer}},
+        {.delivery = {.kind = demo::DeliveryKind::CutBody}},
+        {.content = demo::Content::HtmlPage, .statusCode = 500},
+        {.content = demo::Content::HtmlPage},
+        {.content = demo::Content::HtmlPage, .statusCode = 302, .location = elsewhere},
+        {.delivery = {.kind = demo::DeliveryKind::ResetInBody}},
         {.fileName = "S_/../../../../outside.txt.gz"},
         {.fileName = "\"../../outside.txt.gz\""},
         {},
@@ -197,12 +197,12 @@ TEST_F(ImportTest, GoesOnAfterFailuresThatLeaveNothingBehind) {
     ASSERT_TRUE(host_->waitForFinishes(1, patience)) << log();
     EXPECT_EQ(program_->waitForExit(patience), 0) << "the last answer was a success";
 
-    const std::string last = fileNameOf(ReportDateType::daily, days.back(), ordinaryAccount.vendorID);
+    const std::string last = fileNameOf(ReportDateType::Daily, days.back(), ordinaryAccount.vendorID);
     EXPECT_THAT(reports(), UnorderedElementsAre("S__.txt", ".txt", last)) << log();
     EXPECT_EQ(filesBelow(dataHome()).size(), 3U) << "a name with folders left the report folder";
     std::vector<std::string> keys = fullCacheWithout(days);
     for (std::size_t i = 6; i < days.size(); ++i)
-        keys.push_back(keyOf(ReportDateType::daily, days[i]));
+        keys.push_back(keyOf(ReportDateType::Daily, days[i]));
     EXPECT_EQ(cache(), keys);
     EXPECT_EQ(service_->redirectTargetConnections(), 0U) << "a redirect was followed";
     EXPECT_THAT(log(), HasSubstr("failed to get data:"));
@@ -210,7 +210,7 @@ TEST_F(ImportTest, GoesOnAfterFailuresThatLeaveNothingBehind) {
 }
 
 TEST_F(ImportTest, SendsNothingToAServiceThatItCannotTrust) {
-    startService(demo::TlsVariant::selfSigned);
+    startService(demo::TlsVariant::SelfSigned);
     const std::vector<sys_days> missing = recentWorkdays(1);
     writeAccountMissing(missing);
     startProgram();
@@ -235,14 +235,14 @@ TEST_F(ImportTest, EndsWithinASecondWhileARequestIsOpen) {
     startService();
     writeAccountMissing(recentWorkdays(3));
     service_->setBehaviour([](const demo::ReportRequest&) {
-        return demo::Behaviour{.delivery = {.kind = demo::DeliveryKind::stallBeforeHeader}};
+        return demo::Behaviour{.delivery = {.kind = demo::DeliveryKind::StallBeforeHeader}};
     });
     startProgram();
     EXPECT_EQ(run({CORVANE_IMPORT, "--timeout", "3"}), 3) << log();
     EXPECT_EQ(service_->requests().count(), 1U);
     program_->sendSignal(SIGTERM);
     EXPECT_TRUE(program_->waitForExit(quitLimit).has_value()) << "still running";
-    EXPECT_THAT(cache(), Not(Contains(keyOf(ReportDateType::daily, recentWorkdays(1).front()))));
+    EXPECT_THAT(cache(), Not(Contains(keyOf(ReportDateType::Daily, recentWorkdays(1).front()))));
 }
 
 TEST_F(ImportTest, IsStartedByTheBusForAScript) {

@@ -51,7 +51,7 @@ class ProgramBusTest : public EndToEndTest {
 };
 
 TEST_F(ProgramBusTest, AnnouncesTheEndOfAnImportOnceTheBusIsBack) {
-    loseTheBusDuringAnImport(demo::Content::noReport);
+    loseTheBusDuringAnImport(demo::Content::NoReport);
     ASSERT_TRUE(waitForLog("download not sucessfull")) << log();
     EXPECT_TRUE(program_->isRunning());
     letTheBusComeBack();
@@ -68,11 +68,11 @@ TEST_F(ProgramBusTest, AnnouncesTheEndOfAnImportOnceTheBusIsBack) {
 }
 
 TEST_F(ProgramBusTest, LogsTheLossOfWhatItCouldNotAnnounceToTheEnd) {
-    loseTheBusDuringAnImport(demo::Content::report);
+    loseTheBusDuringAnImport(demo::Content::Report);
     EXPECT_EQ(program_->waitForExit(patience), 0) << log();
     EXPECT_THAT(log(), HasSubstr(loss));
     EXPECT_THAT(reports(), SizeIs(1));
-    EXPECT_THAT(cache(), Contains(keyOf(demo::ReportDateType::daily, recentWorkdays(1).front())));
+    EXPECT_THAT(cache(), Contains(keyOf(demo::ReportDateType::Daily, recentWorkdays(1).front())));
 }
 
 TEST_F(ProgramBusTest, GoesOnWithoutABusAndEndsWhenAsked) {

@@ -61,7 +61,7 @@ class ProgramKillTest : public EndToEndTest {
         std::vector<std::filesystem::path> paths;
         for (const sys_days day : days_)
             paths.push_back(importer.at.reportFolder() /
-                            ("S_D_" + importer.vendorID + "_" + keyOf(ReportDateType::daily, day) + ".txt"));
+                            ("S_D_" + importer.vendorID + "_" + keyOf(ReportDateType::Daily, day) + ".txt"));
         return paths;
     }
 
@@ -73,7 +73,7 @@ class ProgramKillTest : public EndToEndTest {
             if (!std::filesystem::exists(paths[index]))
                 continue;
             ++count;
-            EXPECT_EQ(readFile(paths[index]), source_.report(importer.vendorID, ReportDateType::daily,
+            EXPECT_EQ(readFile(paths[index]), source_.report(importer.vendorID, ReportDateType::Daily,
                                                              std::chrono::year_month_day(days_[index])))
                 << "torn: " << paths[index];
         }

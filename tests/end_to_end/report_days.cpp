@@ -19,13 +19,13 @@ std::vector<sys_days> firstImportDays(demo::ReportDateType type, sys_days today)
     const days sinceSunday(std::chrono::weekday(today).c_encoding());
     const Walk walk = [&]() -> Walk {
         switch (type) {
-            case demo::ReportDateType::daily:
+            case demo::ReportDateType::Daily:
                 return {today - days(365), 1, 366};
-            case demo::ReportDateType::weekly:
+            case demo::ReportDateType::Weekly:
                 return {today - sinceSunday - days(385), 7, 56};
-            case demo::ReportDateType::monthly:
+            case demo::ReportDateType::Monthly:
                 return {today - days(365), 28, 14};
-            case demo::ReportDateType::yearly:
+            case demo::ReportDateType::Yearly:
                 break;
         }
         return {today - days(3650), 365, 11};
@@ -46,9 +46,9 @@ std::string keyOf(demo::ReportDateType type, sys_days day) {
         fmt::format("{:04}{:02}{:02}", static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
                     static_cast<unsigned>(date.day()));
     switch (type) {
-        case demo::ReportDateType::monthly:
+        case demo::ReportDateType::Monthly:
             return text.substr(0, 6);
-        case demo::ReportDateType::yearly:
+        case demo::ReportDateType::Yearly:
             return text.substr(0, 4);
         default:
             return text;
@@ -57,8 +57,8 @@ std::string keyOf(demo::ReportDateType type, sys_days day) {
 
 std::vector<std::string> fullCache() {
     std::vector<std::string> keys;
-    for (const auto type : {demo::ReportDateType::daily, demo::ReportDateType::weekly,
-                            demo::ReportDateType::monthly, demo::ReportDateType::yearly}) {
+    for (const auto type : {demo::ReportDateType::Daily, demo::ReportDateType::Weekly,
+                            demo::ReportDateType::Monthly, demo::ReportDateType::Yearly}) {
         for (const sys_days today : {todayInUtc(), todayInUtc() + days(1)}) {
             for (const sys_days day : firstImportDays(type, today)) {
                 const std::string key = keyOf(type, day);
@@ -73,7 +73,7 @@ std::vector<std::string> fullCache() {
 std::vector<std::string> fullCacheWithout(const std::vector<sys_days>& missing) {
     std::vector<std::string> keys = fullCache();
     for (const sys_days day : missing)
-        std::erase(keys, keyOf(demo::ReportDateType::daily, day));
+        std::erase(keys, keyOf(demo::ReportDateType::Daily, day));
     return keys;
 }
 

@@ -35,7 +35,7 @@ TEST(ArgumentsTest, ReadsEveryForm) {
     };
     for (const Row& row : rows) {
         const Arguments arguments = parseArguments(row.arguments);
-        EXPECT_EQ(arguments.action, Action::import) << joined(row.arguments);
+        EXPECT_EQ(arguments.action, Action::Import) << joined(row.arguments);
         EXPECT_EQ(arguments.isLite, row.isLite) << joined(row.arguments);
         EXPECT_EQ(arguments.timeout, row.timeout) << joined(row.arguments);
     }
@@ -67,16 +67,16 @@ TEST(ArgumentsTest, RefusesWhatItDoesNotKnow) {
                                                      {"--lite", "surplus"}};
     for (const auto& row : rows) {
         const Arguments arguments = parseArguments(row);
-        EXPECT_EQ(arguments.action, Action::refuse) << joined(row);
+        EXPECT_EQ(arguments.action, Action::Refuse) << joined(row);
         EXPECT_FALSE(arguments.problem.empty()) << joined(row);
     }
 }
 
 TEST(ArgumentsTest, LetsTheFirstDecide) {
-    EXPECT_EQ(parseArguments({"--help", "--nonsense"}).action, Action::showHelp);
-    EXPECT_EQ(parseArguments({"-h"}).action, Action::showHelp);
-    EXPECT_EQ(parseArguments({"--lite", "--version", "--help"}).action, Action::showVersion);
-    EXPECT_EQ(parseArguments({"--nonsense", "--help"}).action, Action::refuse);
+    EXPECT_EQ(parseArguments({"--help", "--nonsense"}).action, Action::ShowHelp);
+    EXPECT_EQ(parseArguments({"-h"}).action, Action::ShowHelp);
+    EXPECT_EQ(parseArguments({"--lite", "--version", "--help"}).action, Action::ShowVersion);
+    EXPECT_EQ(parseArguments({"--nonsense", "--help"}).action, Action::Refuse);
 }
 
 TEST(ArgumentsTest, NamesTheMistake) {

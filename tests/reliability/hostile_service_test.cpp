@@ -63,7 +63,7 @@ void printMeasured(const char* name, const Outcome& outcome) {
 
 class HostileServiceTest : public testing::Test {
   protected:
-    void startService(demo::TlsVariant tls = demo::TlsVariant::trusted) {
+    void startService(demo::TlsVariant tls = demo::TlsVariant::Trusted) {
         std::string problem;
         demo::DemoServiceOptions options;
         options.tls = tls;
@@ -191,7 +191,7 @@ demo::Behaviour answered(demo::Content content, int statusCode) {
 demo::Behaviour bomb() {
     static const Bytes packed = *gzippedData(Bytes(std::size_t{1} << 30));
     demo::Behaviour behaviour;
-    behaviour.content = demo::Content::customBody;
+    behaviour.content = demo::Content::CustomBody;
     behaviour.body = packed;
     return behaviour;
 }
@@ -218,26 +218,26 @@ constexpr std::uint64_t tenGigabytes = 10'000'000'000;
 INSTANTIATE_TEST_SUITE_P(
     EveryKind, HostileAnswerTest,
     testing::Values(
-        HostileCase{"endless headers", delivered({.kind = demo::DeliveryKind::endlessHeaders})},
+        HostileCase{"endless headers", delivered({.kind = demo::DeliveryKind::EndlessHeaders})},
         HostileCase{"10 GB announced",
-                    delivered({.kind = demo::DeliveryKind::endlessBody, .bodySize = tenGigabytes})},
-        HostileCase{"endless chunks", delivered({.kind = demo::DeliveryKind::endlessBody})},
-        HostileCase{"silence", delivered({.kind = demo::DeliveryKind::stallBeforeHeader})},
-        HostileCase{"silence within the body", delivered({.kind = demo::DeliveryKind::stallInBody})},
-        HostileCase{"reset", delivered({.kind = demo::DeliveryKind::resetBeforeAnswer})},
-        HostileCase{"reset within the body", delivered({.kind = demo::DeliveryKind::resetInBody})},
-        HostileCase{"closed", delivered({.kind = demo::DeliveryKind::closeBeforeAnswer})},
-        HostileCase{"cut body", delivered({.kind = demo::DeliveryKind::cutBody})},
-        HostileCase{"cut chunk", delivered({.kind = demo::DeliveryKind::cutChunk})},
-        HostileCase{"HTML with 200", answered(demo::Content::htmlPage, 200)},
-        HostileCase{"HTML with 500", answered(demo::Content::htmlPage, 500)},
-        HostileCase{"HTML with 502", answered(demo::Content::htmlPage, 502)},
-        HostileCase{"HTML with 429", answered(demo::Content::htmlPage, 429)},
-        HostileCase{"refusal with 500", answered(demo::Content::noReport, 500)},
-        HostileCase{"report with 500", answered(demo::Content::report, 500), true},
-        HostileCase{"report with 429", answered(demo::Content::report, 429), true},
-        HostileCase{"empty body under a report's name", answered(demo::Content::emptyBody, 200), true},
-        HostileCase{"broken gzip", answered(demo::Content::truncatedReport, 200), true},
+                    delivered({.kind = demo::DeliveryKind::EndlessBody, .bodySize = tenGigabytes})},
+        HostileCase{"endless chunks", delivered({.kind = demo::DeliveryKind::EndlessBody})},
+        HostileCase{"silence", delivered({.kind = demo::DeliveryKind::StallBeforeHeader})},
+        HostileCase{"silence within the body", delivered({.kind = demo::DeliveryKind::StallInBody})},
+        HostileCase{"reset", delivered({.kind = demo::DeliveryKind::ResetBeforeAnswer})},
+        HostileCase{"reset within the body", delivered({.kind = demo::DeliveryKind::ResetInBody})},
+        HostileCase{"closed", delivered({.kind = demo::DeliveryKind::CloseBeforeAnswer})},
+        HostileCase{"cut body", delivered({.kind = demo::DeliveryKind::CutBody})},
+        HostileCase{"cut chunk", delivered({.kind = demo::DeliveryKind::CutChunk})},
+        HostileCase{"HTML with 200", answered(demo::Content::HtmlPage, 200)},
+        HostileCase{"HTML with 500", answered(demo::Content::HtmlPage, 500)},
+        HostileCase{"HTML with 502", answered(demo::Content::HtmlPage, 502)},
+        HostileCase{"HTML with 429", answered(demo::Content::HtmlPage, 429)},
+        HostileCase{"refusal with 500", answered(demo::Content::NoReport, 500)},
+        HostileCase{"report with 500", answered(demo::Content::Report, 500), true},
+        HostileCase{"report with 429", answered(demo::Content::Report, 429), true},
+        HostileCase{"empty body under a report's name", answered(demo::Content::EmptyBody, 200), true},
+        HostileCase{"broken gzip", answered(demo::Content::TruncatedReport, 200), true},
         HostileCase{"gzip bomb", bomb(), false, bombMemory}));
 
 TEST_F(HostileServiceTest, OneByteASecondGoesOnAsLongAsThereAreBytes) {
@@ -245,8 +245,8 @@ TEST_F(HostileServiceTest, OneByteASecondGoesOnAsLongAsThereAreBytes) {
     makeHome();
     const milliseconds interval(rounds(50, 1'000));
     const auto bytes = static_cast<std::size_t>(idleLimit() / interval + 5);
-    demo::Behaviour behaviour = delivered({.kind = demo::DeliveryKind::trickleBody, .interval = interval});
-    behaviour.content = demo::Content::customBody;
+    demo::Behaviour behaviour = delivered({.kind = demo::DeliveryKind::TrickleBody, .interval = interval});
+    behaviour.content = demo::Content::CustomBody;
     behaviour.body = Bytes(bytes, 'x');
     answerFirstDayWith(behaviour);
     const Outcome outcome = importReports();
@@ -259,7 +259,7 @@ TEST_F(HostileServiceTest, OneByteASecondGoesOnAsLongAsThereAreBytes) {
 TEST_F(HostileServiceTest, EndlessAnswersToAllAccountsAtOnceStayBounded) {
     startService();
     makeHome(4);
-    answerFirstDayWith(delivered({.kind = demo::DeliveryKind::endlessBody}));
+    answerFirstDayWith(delivered({.kind = demo::DeliveryKind::EndlessBody}));
     const Outcome outcome = importReports();
     EXPECT_EQ(outcome.status, 0) << outcome.log;
     EXPECT_THAT(outcome.output, HasSubstr(" 8 files")) << outcome.log;
@@ -282,8 +282,8 @@ TEST_P(UntrustedServiceTest, GetsNoByteOfTheForm) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryKind, UntrustedServiceTest,
-                         testing::Values(demo::TlsVariant::selfSigned, demo::TlsVariant::wrongHost,
-                                         demo::TlsVariant::expired, demo::TlsVariant::tls11));
+                         testing::Values(demo::TlsVariant::SelfSigned, demo::TlsVariant::WrongHost,
+                                         demo::TlsVariant::Expired, demo::TlsVariant::Tls11));
 
 TEST_F(HostileServiceTest, FollowsNoRedirect) {
     startService();
@@ -298,7 +298,7 @@ TEST_F(HostileServiceTest, FollowsNoRedirect) {
             SCOPED_TRACE(std::to_string(status) + " to " + target);
             makeHome();
             service_->requests().clear();
-            demo::Behaviour behaviour = answered(demo::Content::htmlPage, status);
+            demo::Behaviour behaviour = answered(demo::Content::HtmlPage, status);
             behaviour.location = target + "/autoingestion.tft";
             service_->setBehaviour([behaviour](const demo::ReportRequest&) { return behaviour; });
             const Outcome outcome = importReports();

@@ -21,16 +21,16 @@ constexpr std::uint8_t dateMarker = 0x33;
 constexpr std::uint32_t replacementCharacter = 0xFFFD;
 
 enum Kind : unsigned {
-    simple = 0x0,
-    integer = 0x1,
-    real = 0x2,
-    date = 0x3,
-    data = 0x4,
-    asciiText = 0x5,
-    utf16Text = 0x6,
-    uid = 0x8,
-    array = 0xA,
-    dictionary = 0xD
+    Simple = 0x0,
+    Integer = 0x1,
+    Real = 0x2,
+    Date = 0x3,
+    Data = 0x4,
+    AsciiText = 0x5,
+    Utf16Text = 0x6,
+    Uid = 0x8,
+    Array = 0xA,
+    Dictionary = 0xD
 };
 
 bool isLeadSurrogate(std::uint32_t unit) {
@@ -104,19 +104,19 @@ std::optional<PropertyListObject> BinaryPropertyListObjects::object(Reference re
     const unsigned kind = marker >> 4U;
     const unsigned detail = marker & 0x0FU;
     switch (kind) {
-        case Kind::simple:
+        case Kind::Simple:
             if (marker != falseMarker && marker != trueMarker)
                 return std::nullopt;
             return marker == trueMarker;
-        case Kind::integer:
+        case Kind::Integer:
             return integerAt(*offset + 1, detail);
-        case Kind::real:
+        case Kind::Real:
             return realAt(*offset + 1, detail);
-        case Kind::date:
+        case Kind::Date:
             if (marker != dateMarker || !holds(*offset + 1, 1, 8))
                 return std::nullopt;
             return PropertyListDate{std::bit_cast<double>(number(*offset + 1, 8))};
-        case Kind::uid:
+        case Kind::Uid:
             if (detail + 1 > maximumNumberWidth || !holds(*offset + 1, 1, detail + 1))
                 return std::nullopt;
             return PropertyListUid{number(*offset + 1, detail + 1)};
@@ -158,7 +158,7 @@ std::optional<BinaryPropertyListObjects::Extent> BinaryPropertyListObjects::exte
     std::size_t begin = offset + 1;
     std::uint64_t count = file_[offset] & 0x0FU;
     if (count == countFollows) {
-        if (!holds(begin, 1, 1) || file_[begin] >> 4U != Kind::integer)
+        if (!holds(begin, 1, 1) || file_[begin] >> 4U != Kind::Integer)
             return std::nullopt;
         const unsigned widthExponent = file_[begin] & 0x0FU;
         ++begin;
@@ -175,28 +175,28 @@ std::optional<BinaryPropertyListObjects::Extent> BinaryPropertyListObjects::exte
 std::optional<PropertyListObject> BinaryPropertyListObjects::contentsAt(std::size_t offset,
                                                                         unsigned kind) const {
     std::size_t width = 1;
-    if (kind == Kind::utf16Text)
+    if (kind == Kind::Utf16Text)
         width = 2;
-    else if (kind == Kind::array)
+    else if (kind == Kind::Array)
         width = referenceWidth_;
-    else if (kind == Kind::dictionary)
+    else if (kind == Kind::Dictionary)
         width = 2 * referenceWidth_;
 
     const std::optional<Extent> extent = extentAt(offset, width);
     if (!extent)
         return std::nullopt;
     switch (kind) {
-        case Kind::data:
+        case Kind::Data:
             return PropertyListDataRange{extent->begin, extent->count};
-        case Kind::asciiText:
-            return PropertyListTextRange{PropertyListTextRange::Encoding::ascii, extent->begin,
+        case Kind::AsciiText:
+            return PropertyListTextRange{PropertyListTextRange::Encoding::Ascii, extent->begin,
                                          extent->count};
-        case Kind::utf16Text:
-            return PropertyListTextRange{PropertyListTextRange::Encoding::utf16, extent->begin,
+        case Kind::Utf16Text:
+            return PropertyListTextRange{PropertyListTextRange::Encoding::Utf16, extent->begin,
                                          2 * extent->count};
-        case Kind::array:
+        case Kind::Array:
             return PropertyListArrayRange{extent->begin, extent->count};
-        case Kind::dictionary:
+        case Kind::Dictionary:
             return PropertyListDictionaryRange{extent->begin, extent->count};
         default:
             return std::nullopt;
@@ -222,7 +222,7 @@ PropertyListObjects::Reference BinaryPropertyListObjects::value(const PropertyLi
 std::optional<std::string> BinaryPropertyListObjects::text(const PropertyListTextRange& range,
                                                            ReadBudget& budget) const {
     const ByteView bytes = file_.subspan(range.begin, range.size);
-    if (range.encoding == PropertyListTextRange::Encoding::utf16) {
+    if (range.encoding == PropertyListTextRange::Encoding::Utf16) {
         // One unit of two bytes becomes three bytes of UTF-8 at most.
         if (!budget.spend(range.size / 2 * 3))
             return std::nullopt;

@@ -20,7 +20,7 @@ inline constexpr std::size_t maximumPropertyListFileSize = std::size_t{8} << 20;
 /// Where the contents of an object stand; they are decoded only when asked for. A range is good only for the
 /// objects that handed it out.
 struct PropertyListTextRange {
-    enum class Encoding : std::uint8_t { ascii, utf16, xml };
+    enum class Encoding : std::uint8_t { Ascii, Utf16, Xml };
     Encoding encoding;
     std::size_t begin;
     std::size_t size;  ///< in bytes

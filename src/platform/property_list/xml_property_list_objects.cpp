@@ -53,14 +53,14 @@ std::optional<PropertyListObject> XmlPropertyListObjects::object(Reference refer
         return std::nullopt;
     const XmlPropertyListNode& node = content_.nodes[static_cast<std::size_t>(reference)];
     switch (node.element) {
-        case XmlPropertyListElement::dictionary:
+        case XmlPropertyListElement::Dictionary:
             return PropertyListDictionaryRange{node.begin, node.size / 2};
-        case XmlPropertyListElement::array:
+        case XmlPropertyListElement::Array:
             return PropertyListArrayRange{node.begin, node.size};
-        case XmlPropertyListElement::key:
-        case XmlPropertyListElement::string:
-            return PropertyListTextRange{PropertyListTextRange::Encoding::xml, node.begin, node.size};
-        case XmlPropertyListElement::data:
+        case XmlPropertyListElement::Key:
+        case XmlPropertyListElement::String:
+            return PropertyListTextRange{PropertyListTextRange::Encoding::Xml, node.begin, node.size};
+        case XmlPropertyListElement::Data:
             return PropertyListDataRange{node.begin, node.size};
         default:
             break;
@@ -69,20 +69,20 @@ std::optional<PropertyListObject> XmlPropertyListObjects::object(Reference refer
         return std::nullopt;
     const std::string_view content = text_.substr(node.begin, node.size);
     switch (node.element) {
-        case XmlPropertyListElement::integer:
+        case XmlPropertyListElement::Integer:
             return decoded(content, xmlInteger);
-        case XmlPropertyListElement::real:
+        case XmlPropertyListElement::Real:
             return asObject(decoded(content, xmlReal));
-        case XmlPropertyListElement::date:
+        case XmlPropertyListElement::Date:
             return asObject(decoded(content, xmlDate));
-        case XmlPropertyListElement::uid:
+        case XmlPropertyListElement::Uid:
             return uidFrom(content);
         default:
             break;
     }
     if (!content.empty())
         return std::nullopt;
-    return node.element == XmlPropertyListElement::trueValue;
+    return node.element == XmlPropertyListElement::TrueValue;
 }
 
 PropertyListObjects::Reference XmlPropertyListObjects::element(const PropertyListArrayRange& array,

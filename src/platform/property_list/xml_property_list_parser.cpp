@@ -17,16 +17,16 @@ constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view documentElement = "plist";
 
 constexpr std::array<std::pair<std::string_view, Element>, 10> elementNames = {
-    {{"dict", Element::dictionary},
-     {"array", Element::array},
-     {"key", Element::key},
-     {"string", Element::string},
-     {"integer", Element::integer},
-     {"real", Element::real},
-     {"date", Element::date},
-     {"data", Element::data},
-     {"true", Element::trueValue},
-     {"false", Element::falseValue}}};
+    {{"dict", Element::Dictionary},
+     {"array", Element::Array},
+     {"key", Element::Key},
+     {"string", Element::String},
+     {"integer", Element::Integer},
+     {"real", Element::Real},
+     {"date", Element::Date},
+     {"data", Element::Data},
+     {"true", Element::TrueValue},
+     {"false", Element::FalseValue}}};
 
 std::optional<Element> elementNamed(std::string_view name) {
     for (const auto& [known, element] : elementNames) {
@@ -37,7 +37,7 @@ std::optional<Element> elementNamed(std::string_view name) {
 }
 
 bool isContainer(Element element) {
-    return element == Element::dictionary || element == Element::array;
+    return element == Element::Dictionary || element == Element::Array;
 }
 
 /// Open elements are kept on a list of our own, so that nesting costs no stack.
@@ -194,7 +194,7 @@ class Parser {
     bool addContainer(const OpenContainer& container) {
         const auto first = pending_.begin() + container.firstChild;
         const auto count = static_cast<std::uint32_t>(pending_.end() - first);
-        if (container.element == Element::dictionary) {
+        if (container.element == Element::Dictionary) {
             if (count % 2 != 0)
                 return false;
             if (const std::optional<Node> uid = asUid(container.firstChild, count)) {
@@ -213,13 +213,13 @@ class Parser {
             return std::nullopt;
         const Node& key = result_.nodes[pending_[firstChild]];
         const Node& value = result_.nodes[pending_[firstChild + 1]];
-        if (content(key) != "CF$UID" || value.element != Element::integer)
+        if (content(key) != "CF$UID" || value.element != Element::Integer)
             return std::nullopt;
         const std::optional<PropertyListObject> number = xmlInteger(content(value));
         const std::int64_t* index = number ? std::get_if<std::int64_t>(&*number) : nullptr;
         if (index == nullptr || *index < 0)
             return std::nullopt;
-        return Node{Element::uid, value.begin, value.size};
+        return Node{Element::Uid, value.begin, value.size};
     }
 
     std::string_view content(const Node& node) const { return text_.substr(node.begin, node.size); }
@@ -262,10 +262,10 @@ class Parser {
     }
 
     bool isExpected(Element element) const {
-        const bool isKey = element == Element::key;
+        const bool isKey = element == Element::Key;
         if (open_.empty())
             return !isKey && pending_.empty() && (isDocumentOpen_ || !hasDocument_);
-        if (open_.back().element == Element::array)
+        if (open_.back().element == Element::Array)
             return !isKey;
         const bool isKeyPosition = (pending_.size() - open_.back().firstChild) % 2 == 0;
         return isKey == isKeyPosition;

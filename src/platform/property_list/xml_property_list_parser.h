@@ -9,17 +9,17 @@
 namespace corvane {
 
 enum class XmlPropertyListElement : std::uint8_t {
-    dictionary,
-    array,
-    key,
-    string,
-    integer,
-    real,
-    date,
-    data,
-    trueValue,
-    falseValue,
-    uid  ///< a dictionary whose only key is `CF$UID`; its range is that of the integer
+    Dictionary,
+    Array,
+    Key,
+    String,
+    Integer,
+    Real,
+    Date,
+    Data,
+    TrueValue,
+    FalseValue,
+    Uid  ///< a dictionary whose only key is `CF$UID`; its range is that of the integer
 };
 
 /// One element. Its range is the content between the tags, of a container a part of `children`.

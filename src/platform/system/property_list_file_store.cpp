@@ -24,10 +24,10 @@ namespace {
 constexpr int greatestAsideNumber = 1000;
 
 enum class FileState {
-    missing,
-    read,
-    unreadable,   ///< what is there is not ours to overwrite
-    unavailable,  ///< nothing is known about the file, for want of memory or descriptors
+    Missing,
+    Read,
+    Unreadable,   ///< what is there is not ours to overwrite
+    Unavailable,  ///< nothing is known about the file, for want of memory or descriptors
 };
 
 struct FileReading {
@@ -39,13 +39,13 @@ FileState stateAfterFailure(int error) {
     switch (error) {
         case ENOENT:
         case ENOTDIR:
-            return FileState::missing;
+            return FileState::Missing;
         case EMFILE:
         case ENFILE:
         case ENOMEM:
-            return FileState::unavailable;
+            return FileState::Unavailable;
         default:
-            return FileState::unreadable;
+            return FileState::Unreadable;
     }
 }
 
@@ -58,7 +58,7 @@ FileReading readWholeFile(const std::filesystem::path& path) {
     if (fstat(file.number(), &status) != 0)
         return {stateAfterFailure(errno), {}};
     if (!S_ISREG(status.st_mode))
-        return {FileState::unreadable, {}};
+        return {FileState::Unreadable, {}};
 
     constexpr std::size_t blockSize = std::size_t{64} << 10;
     Bytes content;
@@ -69,11 +69,11 @@ FileReading readWholeFile(const std::filesystem::path& path) {
         const int failure = errno;
         content.resize(size + (count > 0 ? static_cast<std::size_t>(count) : 0));
         if (count == 0)
-            return {FileState::read, std::move(content)};
+            return {FileState::Read, std::move(content)};
         if (count < 0 && failure != EINTR)
             return {stateAfterFailure(failure), {}};
     }
-    return {FileState::unreadable, {}};
+    return {FileState::Unreadable, {}};
 }
 
 std::string asideSuffix(Date now) {
@@ -152,14 +152,14 @@ bool PropertyListFileStore::synchronize() {
 
 bool PropertyListFileStore::readFile() {
     const FileReading reading = readWholeFile(path_);
-    if (reading.state == FileState::unavailable)
+    if (reading.state == FileState::Unavailable)
         return false;
-    if (reading.state == FileState::missing) {
+    if (reading.state == FileState::Missing) {
         isBlocked_ = false;
         return true;
     }
     std::optional<PropertyListValue> content =
-        reading.state == FileState::read ? readPropertyList(reading.content) : std::nullopt;
+        reading.state == FileState::Read ? readPropertyList(reading.content) : std::nullopt;
     PropertyListDictionary* const domain = content ? content->get<PropertyListDictionary>() : nullptr;
     if (domain == nullptr)
         return moveAside();
