@@ -4,7 +4,10 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
+
 #include "support/temporary_folder.h"
+#include "support/user_database_double.h"
 
 namespace corvane::import_command {
 namespace {
@@ -86,6 +89,13 @@ TEST(ReportFolderPathTest, LiesInTheSharedContainer) {
     setenv("HOME", "/home/somebody", 1);
     EXPECT_EQ(reportFolder(),
               "/home/somebody/.local/share/QX4ZT7M2P9.group.quessartolvinger.brindlecount/ToImport");
+}
+
+TEST(ReportFolderPathTest, IsAbsentForAUserWithoutAHome) {
+    unsetenv("XDG_DATA_HOME");
+    unsetenv("HOME");
+    const test::UserDatabaseDouble database(std::nullopt);
+    EXPECT_EQ(reportFolder(), std::nullopt);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "support/simple_file_system.h"
 #include "support/temporary_folder.h"
 
 namespace corvane {
@@ -187,6 +188,19 @@ TEST_F(AtomicFileTest, LeavesAnExistingFileWhereTheTargetMustBeFree) {
     EXPECT_EQ(readFile(path("b")), "came in between");
 }
 
+TEST_F(AtomicFileTest, LeavesAnExistingFileOnASimpleFileSystemToo) {
+    constexpr AtomicFileOptions free{.target = AtomicFileTarget::MustBeFree};
+    const test::SimpleFileSystem simple;
+    EXPECT_FALSE(write("a", "first", free));
+    AtomicFile late;
+    ASSERT_FALSE(late.open(path("b"), free));
+    writeFile(path("b"), "came in between");
+    EXPECT_EQ(late.commit(), std::errc::file_exists);
+    EXPECT_EQ(readFile(path("a")), "first");
+    EXPECT_EQ(readFile(path("b")), "came in between");
+    EXPECT_EQ(names().size(), 3U) << "the late one's own file, until it goes";
+}
+
 TEST_F(AtomicFileTest, KeepsTheOldFileWhenTheDiskTakesNoMore) {
     ASSERT_FALSE(write("a.txt", "old"));
     // A limit on the size of files stands in for a full disk: the write stops half way, then fails.
@@ -231,6 +245,8 @@ TEST_F(AtomicFileTest, RemovesNothingElse) {
     writeFile(path(".corvane-0123456789abcdeg.partial"), "");
     writeFile(path(".corvane-0123456789abcdef.partial.txt"), "");
     writeFile(path("x" + pattern), "");
+    writeFile(path(".corvane+0123456789abcdef.partial"), "");
+    writeFile(path(".corvane-0123456789abcdef.partiaL"), "");
     std::filesystem::create_directory(path(pattern));
     std::filesystem::create_symlink("a.txt", path(".corvane-0123456789abcde0.partial"));
     const std::vector<std::string> before = names();

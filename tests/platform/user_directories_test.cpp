@@ -7,6 +7,9 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "support/user_database_double.h"
 
 namespace corvane {
 namespace {
@@ -68,6 +71,28 @@ TEST_F(UserDirectoriesTest, TakeTheHomeDirectoryFromTheUserDatabaseWithoutTheVar
     home_.set("relative");
     EXPECT_EQ(homeDirectory(), expected);
     EXPECT_EQ(userDataDirectory(), expected / ".local/share");
+}
+
+TEST_F(UserDirectoriesTest, AreNoneForAUserWithoutAUsableHomeDirectory) {
+    const std::vector<std::optional<std::string>> homes{std::nullopt, "", "relative"};
+    for (const std::optional<std::string>& home : homes) {
+        SCOPED_TRACE(home.value_or("(not in the user database)"));
+        const test::UserDatabaseDouble database(home);
+        EXPECT_EQ(homeDirectory(), std::nullopt);
+        EXPECT_EQ(userConfigurationDirectory(), std::nullopt);
+        EXPECT_EQ(userDataDirectory(), std::nullopt);
+        EXPECT_EQ(settingsFilePath(), std::nullopt);
+        data_.set("/d");
+        EXPECT_EQ(userDataDirectory(), "/d");
+        data_.clear();
+    }
+}
+
+TEST_F(UserDirectoriesTest, ComeFromEntriesOfTheUserDatabaseUpToOneMebibyte) {
+    const test::UserDatabaseDouble longEntry("/home/user", std::size_t{1} << 20);
+    EXPECT_EQ(homeDirectory(), "/home/user");
+    const test::UserDatabaseDouble endlessEntry("/home/user", std::size_t{1} << 30);
+    EXPECT_EQ(homeDirectory(), std::nullopt);
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 #include "platform/property_list/binary_property_list_writer.h"
 #include "platform/property_list/property_list_objects.h"
 #include "platform/property_list/property_list_reader.h"
+#include "support/simple_file_system.h"
 #include "support/temporary_folder.h"
 
 namespace corvane {
@@ -131,6 +132,26 @@ TEST_F(PropertyListFileStoreTest, AWriteClosesAFileAndAFolderThatWereOpenToOther
     EXPECT_EQ(modeOf(folder_), 0700U);
 }
 
+TEST_F(PropertyListFileStoreTest, AFolderOfAnotherUserKeepsItsMode) {
+    // Root may give the folder away; for everybody else the folder of all users' temporary files is
+    // another's.
+    std::filesystem::create_directories(folder_);
+    chmod(folder_.c_str(), 0755);
+    if (geteuid() == 0) {
+        ASSERT_EQ(chown(folder_.c_str(), 12345, 12345), 0);
+    } else {
+        folder_ = home_.path().parent_path();
+        path_ = home_.path().native() + ".plist";
+    }
+    const mode_t mode = modeOf(folder_);
+    PropertyListFileStore store = open();
+    store.setObject("key", "value");
+    EXPECT_TRUE(store.synchronize());
+    EXPECT_EQ(modeOf(path_), 0600U);
+    EXPECT_EQ(modeOf(folder_), mode);
+    std::filesystem::remove(path_);
+}
+
 TEST_F(PropertyListFileStoreTest, ReadsTheXmlFormToo) {
     writeFile(path_, "<plist><dict><key>key</key><string>value</string></dict></plist>");
     PropertyListFileStore store = open();
@@ -174,6 +195,28 @@ TEST_F(PropertyListFileStoreTest, AFileThatWasMovedAsideEarlierIsNeverReplaced) 
     EXPECT_EQ(readFile(aside_), "first");
     EXPECT_EQ(readFile(aside_.string() + "-2"), "second");
     EXPECT_EQ(readFile(aside_.string() + "-3"), "third");
+}
+
+TEST_F(PropertyListFileStoreTest, ASimpleFileSystemKeepsWhatWasMovedAsideToo) {
+    const test::SimpleFileSystem simple;
+    writeFile(aside_, "first");
+    writeFile(path_, "second");
+    open();
+    EXPECT_EQ(readFile(aside_), "first");
+    EXPECT_EQ(readFile(aside_.string() + "-2"), "second");
+    EXPECT_FALSE(std::filesystem::exists(path_));
+}
+
+TEST_F(PropertyListFileStoreTest, ADiskErrorMovesTheFileAside) {
+    // A regular file to look at, but nothing can be read at its beginning.
+    std::filesystem::create_directories(folder_);
+    std::filesystem::create_symlink("/proc/self/mem", path_);
+    PropertyListFileStore store = open();
+    EXPECT_THAT(filesInFolder(), ElementsAre("settings.plist.unreadable-20150104T010203Z"));
+    EXPECT_THAT(log_.lines(), ElementsAre("unreadable settings file moved to:" + aside_.string()));
+    store.setObject("key", "value");
+    EXPECT_TRUE(store.synchronize());
+    EXPECT_EQ(storedList(), PropertyListValue(PropertyListDictionary{{"key", "value"}}));
 }
 
 TEST_F(PropertyListFileStoreTest, WhatIsNoFileIsMovedAside) {
