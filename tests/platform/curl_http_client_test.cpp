@@ -167,6 +167,48 @@ TEST_F(CurlHttpClientTest, GivesAProxyNoCredentialsAndReachesThisMachineWithoutI
     EXPECT_THAT(received.get_future().get(), Not(HasSubstr("Authorization")));
 }
 
+TEST_F(CurlHttpClientTest, AsksTheHostsThatTheEnvironmentExceptsWithoutAProxy) {
+    LoopbackServer proxy([](ServerConnection& connection) {
+        connection.readRequest();
+        connection.sendOk("by proxy");
+    });
+    setenv("http_proxy", proxy.origin().c_str(), 1);
+    const struct {
+        const char* exceptions;
+        const char* url;
+        bool goesByProxy;
+    } rows[] = {
+        {"", "http://elsewhere.invalid/", true},
+        {"other.invalid", "http://elsewhere.invalid/", true},
+        {"other.invalid,elsewhere.invalid", "http://elsewhere.invalid/", false},
+        {"*", "http://elsewhere.invalid/", false},
+    };
+    for (const char* variable : {"no_proxy", "NO_PROXY"}) {
+        for (const auto& row : rows) {
+            SCOPED_TRACE(std::string(variable) + "=" + row.exceptions);
+            setenv(variable, row.exceptions, 1);
+            const HttpAnswer answer = askFor(row.url);
+            EXPECT_EQ(answer.body.has_value(), row.goesByProxy) << answer.errorDescription;
+        }
+        unsetenv(variable);
+    }
+    unsetenv("http_proxy");
+}
+
+TEST_F(CurlHttpClientTest, SendsABodyWithEveryMethodButGet) {
+    std::promise<std::string> received;
+    LoopbackServer server([&received](ServerConnection& connection) {
+        received.set_value(connection.readRequest().value_or("nothing"));
+        connection.sendOk("");
+    });
+    HttpRequest request = post(server.origin() + "/x", "body");
+    request.method = "PUT";
+    CurlHttpClient(options()).sendSynchronousRequest(request);
+    const std::string bytes = received.get_future().get();
+    EXPECT_THAT(bytes, ::testing::StartsWith("PUT /x HTTP/1.1\r\n"));
+    EXPECT_THAT(bytes, ::testing::EndsWith("\r\n\r\nbody"));
+}
+
 // --- the answer
 
 TEST_F(CurlHttpClientTest, HandsOnStatusUrlHeadersAndBodyAsReceived) {
@@ -325,6 +367,8 @@ TEST_F(CurlHttpClientTest, NamesWhatWentWrongBeforeAConnectionStood) {
     }
     expectFailure(askFor("http://127.0.0.1:" + std::to_string(freePort) + "/"),
                   "Could not connect to the server.");
+    // No connection can be made to all machines at once, so nothing leaves this one.
+    expectFailure(askFor("http://255.255.255.255/"), "The Internet connection appears to be offline.");
     expectFailure(askFor("http://no-such-host.invalid/"),
                   "A server with the specified hostname could not be found.");
     expectFailure(askFor("http://a b/"), "bad URL");

@@ -1,10 +1,13 @@
 #include "platform/file_manager.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -171,6 +174,18 @@ TEST_F(PosixFileManagerTest, HasNoContainerWhereNoneCanBeMade) {
     EXPECT_FALSE(PosixFileManager(std::nullopt).containerForApplicationGroup("group"));
 }
 
+TEST_F(PosixFileManagerTest, TakesNobodyElsesFolderForTheContainer) {
+    // Root may give the folder away; for everybody else the folder of the system's programs is another's.
+    if (geteuid() == 0) {
+        const auto container = files_.containerForApplicationGroup("group");
+        ASSERT_TRUE(container);
+        ASSERT_EQ(chown(container->c_str(), 12345, 12345), 0);
+        EXPECT_FALSE(files_.containerForApplicationGroup("group"));
+    } else {
+        EXPECT_FALSE(PosixFileManager("/").containerForApplicationGroup("usr"));
+    }
+}
+
 TEST_F(PosixFileManagerTest, SeesAFileBehindALinkButNoneBehindABrokenOne) {
     test::writeFile(path("a"), "");
     fs::create_symlink("a", path("link"));
@@ -205,6 +220,27 @@ TEST_F(PosixFileManagerTest, CopiesAFileLargerThanItsBuffer) {
     test::writeFile(path("a"), content);
     ASSERT_FALSE(files_.copyItem(path("a"), path("b")));
     EXPECT_EQ(test::readFile(path("b")), content);
+}
+
+TEST_F(PosixFileManagerTest, LeavesNoCopyOfAFileThatCannotBeRead) {
+    // A regular file to look at, but nothing can be read at its beginning.
+    EXPECT_EQ(files_.copyItem("/proc/self/mem", path("copy")), std::errc::io_error);
+    EXPECT_TRUE(fs::is_empty(folder_.path()));
+}
+
+TEST_F(PosixFileManagerTest, LeavesNoCopyThatIsNotWhole) {
+    test::writeFile(path("a"), std::string(200'000, 'x'));
+    // A limit on the size of files stands in for a full disk.
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+    const rlimit small{100'000, limit.rlim_max};
+    const auto previous = signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    const std::error_code error = files_.copyItem(path("a"), path("copy"));
+    setrlimit(RLIMIT_FSIZE, &limit);
+    signal(SIGXFSZ, previous);
+    EXPECT_EQ(error, std::errc::file_too_large);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), fs::directory_iterator()), 1);
 }
 
 TEST(FailingFileManagerTest, FailsTheChosenOperationOnly) {

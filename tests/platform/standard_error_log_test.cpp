@@ -1,6 +1,9 @@
 #include "platform/system/standard_error_log.h"
 
+#include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <string>
@@ -92,6 +95,39 @@ TEST(StandardErrorLogTest, OutlivesAReaderThatHasGone) {
             _exit(7);
         },
         ::testing::ExitedWithCode(7), "");
+}
+
+TEST(StandardErrorLogTest, GivesUpALineThatCannotBeWritten) {
+    const int previous = dup(STDERR_FILENO);
+    const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
+    ASSERT_GE(full, 0);
+    dup2(full, STDERR_FILENO);
+    StandardErrorLog log;
+    log.log("lost");
+    dup2(previous, STDERR_FILENO);
+    close(full);
+    close(previous);
+
+    ::testing::internal::CaptureStderr();
+    log.log("there is room again");
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::EndsWith("] there is room again\n"));
+}
+
+// The pipe is broken only for the log: whoever waits for the signal gets exactly what came before.
+TEST(StandardErrorLogTest, LeavesASignalOfABrokenPipeThatWasPendingBefore) {
+    EXPECT_EXIT(
+        {
+            sigset_t brokenPipe;
+            sigemptyset(&brokenPipe);
+            sigaddset(&brokenPipe, SIGPIPE);
+            sigprocmask(SIG_BLOCK, &brokenPipe, nullptr);
+            raise(SIGPIPE);
+            StandardErrorLog().log("written");
+            sigset_t pending;
+            sigpending(&pending);
+            _exit(sigismember(&pending, SIGPIPE) == 1 ? 7 : 1);
+        },
+        ::testing::ExitedWithCode(7), "written");
 }
 
 TEST(FatalErrorTest, LogsTheMessageAndAborts) {

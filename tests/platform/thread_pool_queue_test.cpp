@@ -1,6 +1,7 @@
 #include "platform/system/thread_pool_queue.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <signal.h>
 
 #include <atomic>
@@ -17,6 +18,29 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto generous = 30s;
+
+/// As long as one lives, no thread can be started: there is no room for its stack.
+class NoRoomForThreads {
+  public:
+    NoRoomForThreads() {
+        pthread_attr_init(&previous_);
+        pthread_getattr_default_np(&previous_);
+        pthread_attr_t huge;
+        pthread_attr_init(&huge);
+        pthread_attr_setstacksize(&huge, std::size_t{1} << 50U);
+        EXPECT_EQ(pthread_setattr_default_np(&huge), 0);
+        pthread_attr_destroy(&huge);
+    }
+    ~NoRoomForThreads() {
+        pthread_setattr_default_np(&previous_);
+        pthread_attr_destroy(&previous_);
+    }
+    NoRoomForThreads(const NoRoomForThreads&) = delete;
+    NoRoomForThreads& operator=(const NoRoomForThreads&) = delete;
+
+  private:
+    pthread_attr_t previous_{};
+};
 
 TEST(ThreadPoolQueueTest, RunsEveryTaskOffTheCallersThread) {
     constexpr int taskCount = 1000;
@@ -53,6 +77,36 @@ TEST(ThreadPoolQueueTest, GrowsToItsLimitAndNoFurther) {
     EXPECT_EQ(ran, limit);
     release.count_down();
     EXPECT_TRUE(queue.stop(generous));
+}
+
+TEST(ThreadPoolQueueTest, LeavesATaskToTheThreadsThatThereAreWhenNoneCanBeStarted) {
+    std::latch firstRuns(1);
+    std::latch release(1);
+    std::latch secondRan(1);
+    ThreadPoolQueue queue;
+    queue.async([&] {
+        firstRuns.count_down();
+        release.wait();
+    });
+    firstRuns.wait();
+    {
+        const NoRoomForThreads noRoom;
+        queue.async([&] { secondRan.count_down(); });
+    }
+    EXPECT_EQ(queue.threadCount(), 1U);
+    release.count_down();
+    secondRan.wait();
+    EXPECT_EQ(queue.threadCount(), 1U);
+}
+
+TEST(ThreadPoolQueueDeathTest, IsOfNoUseWithoutAnyThread) {
+    EXPECT_DEATH(
+        {
+            const NoRoomForThreads noRoom;
+            ThreadPoolQueue queue;
+            queue.async([] {});
+        },
+        "no thread can be started");
 }
 
 TEST(ThreadPoolQueueTest, UsesAnIdleThreadBeforeItStartsAnother) {
