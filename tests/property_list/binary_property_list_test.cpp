@@ -65,6 +65,10 @@ TEST(BinaryPropertyList, IsWrittenInTheSmallestForm) {
     EXPECT_EQ(writeBinaryPropertyList(value), expected.bytes());
 }
 
+TEST(BinaryPropertyList, ANumberThatFitsBothKindsIsWrittenAsTheSignedOne) {
+    EXPECT_EQ(writeBinaryPropertyList(std::uint64_t{256}), writeBinaryPropertyList(std::int64_t{256}));
+}
+
 TEST(BinaryPropertyList, TextThatIsNotUtf8IsWrittenWithReplacementCharacters) {
     EXPECT_EQ(readPropertyList(writeBinaryPropertyList("a\xFFz")), PropertyListValue("a\uFFFDz"));
 }

@@ -34,6 +34,7 @@ inline constexpr unsigned arrayKind = 0xA;
 inline constexpr unsigned dictionaryKind = 0xD;
 inline constexpr unsigned dataKind = 0x4;
 inline constexpr unsigned asciiKind = 0x5;
+inline constexpr unsigned utf16Kind = 0x6;
 
 Bytes asciiObject(std::string_view text);
 Bytes uidObject(std::uint64_t uid);

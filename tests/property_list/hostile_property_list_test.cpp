@@ -85,8 +85,11 @@ TEST(HostilePropertyList, SharedObjectsDoNotExplode) {
     EXPECT_TRUE(readMetered(sharedArrays(3, 10, {0x09})));
     EXPECT_FALSE(readMetered(sharedArrays(30, 14, {0x09})));
     EXPECT_FALSE(readMetered(sharedArrays(30, 14, {0xA0})));
+    EXPECT_FALSE(readMetered(sharedArrays(30, 14, {0x50})));
+    EXPECT_FALSE(readMetered(sharedArrays(30, 14, {0x40})));
     EXPECT_FALSE(readMetered(sharedArrays(2, 14, longObject(dataKind, mebibyte, Bytes(mebibyte, 1)))));
     EXPECT_FALSE(readMetered(sharedArrays(2, 14, longObject(asciiKind, mebibyte, Bytes(mebibyte, 'x')))));
+    EXPECT_FALSE(readMetered(sharedArrays(2, 14, longObject(utf16Kind, mebibyte / 2, Bytes(mebibyte, 'x')))));
 }
 
 TEST(HostilePropertyList, OneArrayOfManyReferencesToOneObjectStaysBounded) {
@@ -132,6 +135,19 @@ TEST(HostilePropertyList, LongXmlContentsStayBounded) {
     EXPECT_FALSE(readMetered(inElement("string", Bytes(size, '<'))));
     EXPECT_FALSE(readMetered(Bytes(size, '<')));
     EXPECT_FALSE(readMetered(repeated("<!DOCTYPE [", size / 11)));
+}
+
+TEST(HostilePropertyList, ManyXmlElementsAndALongOneCountTogether) {
+    const std::size_t count = 20 * mebibyte / sizeof(PropertyListValue);
+    const auto many = [count](std::string_view begin, std::size_t size, std::string_view end) {
+        return joined({toBytes("<array>"), repeated("<true/>", count), toBytes(begin), Bytes(size, 'A'),
+                       toBytes(end), toBytes("</array>")});
+    };
+    const std::size_t tooLong = 4 * mebibyte;
+    EXPECT_TRUE(readMetered(many("<string>", 1000, "</string>")));
+    EXPECT_FALSE(readMetered(many("<string>", tooLong, "</string>")));
+    EXPECT_TRUE(readMetered(many("<data>", 1000, "</data>")));
+    EXPECT_FALSE(readMetered(many("<data>", tooLong, "</data>")));
 }
 
 TEST(HostilePropertyList, FilesBeyondTheSizeLimitAreNotRead) {

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "platform/property_list/property_list_reader.h"
+#include "platform/property_list/xml_property_list_objects.h"
+#include "platform/property_list/xml_property_list_scalars.h"
 
 namespace corvane {
 namespace {
@@ -47,6 +49,7 @@ TEST(XmlPropertyList, ReadsEveryForm) {
         {"<integer> +42\n</integer>", std::int64_t{42}},
         {"<integer>-42</integer>", std::int64_t{-42}},
         {"<integer>4<!-- -->2</integer>", std::int64_t{42}},
+        {"<integer>4&#50;</integer>", std::int64_t{42}},
         {"<integer>0x1F</integer>", std::int64_t{31}},
         {"<integer>-0Xff</integer>", std::int64_t{-255}},
         {"<integer>9223372036854775807</integer>", std::numeric_limits<std::int64_t>::max()},
@@ -138,6 +141,10 @@ TEST(XmlPropertyList, RefusesWhatIsMalformed) {
         "<string>a<!-- </string>",
         "<string>a<![CDATA[ </string>",
         "<string>&unknown;</string>",
+        "<integer>1&unknown;</integer>",
+        "<real>1&unknown;</real>",
+        "<date>2001-01-01T00:00:0&unknown;1Z</date>",
+        "<data>AQID&unknown;</data>",
         "<string>&</string>",
         "<string>&amp</string>",
         "<string>&#;</string>",
@@ -168,6 +175,8 @@ TEST(XmlPropertyList, RefusesWhatIsMalformed) {
         "<date>2001-02-29T00:00:00Z</date>",
         "<date>2001-13-01T00:00:00Z</date>",
         "<date>2001-01-01T24:00:00Z</date>",
+        "<date>2001-01-01T00:60:00Z</date>",
+        "<date>2001-01-01T00:00:61Z</date>",
         "<date>2001-01-01 00:00:00Z</date>",
         "<date>2001-01-01T0x:00:00Z</date>",
         "<data>A</data>",
@@ -178,6 +187,20 @@ TEST(XmlPropertyList, RefusesWhatIsMalformed) {
     };
     for (const std::string_view text : texts)
         EXPECT_EQ(readXml(text), std::nullopt) << text;
+}
+
+TEST(XmlPropertyList, TextBetweenTagsHoldsNoTagsAndNothingUnclosed) {
+    EXPECT_EQ(xmlText("a<!-- b --><![CDATA[<c>]]>"), "a<c>");
+    for (const char* content : {"a<b/>", "<", "a<!-- b", "a<![CDATA[b"})
+        EXPECT_EQ(xmlText(content), std::nullopt) << content;
+}
+
+TEST(XmlPropertyList, HasNoObjectBeyondItsLast) {
+    const auto objects = XmlPropertyListObjects::open(asBytes("<array><true/></array>"));
+    ASSERT_NE(objects, nullptr);
+    EXPECT_TRUE(objects->object(0));
+    EXPECT_TRUE(objects->object(1));
+    EXPECT_FALSE(objects->object(2));
 }
 
 }  // namespace

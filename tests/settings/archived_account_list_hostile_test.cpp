@@ -4,6 +4,7 @@
 #include <random>
 
 #include "core/itunes_account_archive.h"
+#include "platform/property_list/keyed_archive.h"
 #include "platform/property_list/property_list_objects.h"
 #include "property_list/allocation_meter.h"
 #include "property_list/handmade_property_list.h"
@@ -45,6 +46,12 @@ TEST(HostileAccountArchive, SharedTextsThatDoNotFitMakeTheArchiveUnreadableAsAWh
     EXPECT_FALSE(readMetered(recordsSharingOneText(100, mebibyte)));
     EXPECT_FALSE(readMetered(recordsSharingOneText(5, mebibyte)));
     EXPECT_FALSE(readMetered(recordsSharingOneText(20'000, 1'000)));
+}
+
+TEST(HostileAccountArchive, TheTextsOfTheLastRecordMustFitAsWell) {
+    const std::size_t quarter = maximumKeyedArchiveContent / 4;
+    EXPECT_TRUE(readMetered(recordsSharingOneText(1, quarter - 10'000)));
+    EXPECT_FALSE(readMetered(recordsSharingOneText(1, quarter)));
 }
 
 TEST(HostileAccountArchive, OneRecordMillionsOfTimesStaysBounded) {
