@@ -61,6 +61,8 @@ TEST(LocalCalendar, FindsTheStartOfUnusualDays) {
         {"no midnight, Beirut", "Asia/Beirut", 2019y / 3 / 31, utc(2019, 3, 30, 22)},
         {"no midnight, Havana", "America/Havana", 2019y / 3 / 10, utc(2019, 3, 10, 5)},
         {"no midnight, Cairo", "Africa/Cairo", 2023y / 4 / 28, utc(2023, 4, 27, 22)},
+        {"no midnight, clocks before it, Toronto", "America/Toronto", 1919y / 3 / 31,
+         utc(1919, 3, 31, 4, 30)},
         {"two midnights, Havana", "America/Havana", 2018y / 11 / 4, utc(2018, 11, 4, 5)},
         {"an hour of the day before twice", "America/Sao_Paulo", 2019y / 2 / 16, utc(2019, 2, 16, 2)},
         {"and the day after it", "America/Sao_Paulo", 2019y / 2 / 17, utc(2019, 2, 17, 3)},

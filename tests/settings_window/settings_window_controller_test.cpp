@@ -199,6 +199,28 @@ TEST_F(SettingsWindowControllerTest, TabsAppearAndDisappearOnlyWhileTheWindowIsO
     EXPECT_THAT(events, ElementsAre("Accounts appears"));
 }
 
+TEST_F(SettingsWindowControllerTest, AWindowThatIsNotOnScreenHidesNoTab) {
+    setThreeTabs();
+    SettingsWindowEvents& windowEvents = controller;
+    windowEvents.windowWillHide();
+    EXPECT_THAT(events, testing::Not(testing::Contains("General disappears")));
+    window->show();
+    windowEvents.windowWillHide();
+    events.clear();
+    windowEvents.windowWillHide();
+    EXPECT_THAT(events, IsEmpty());
+}
+
+TEST_F(SettingsWindowControllerTest, AWindowWithoutTabsIsShownAndHidden) {
+    controller.showWindow();
+    SettingsWindowEvents& windowEvents = controller;
+    windowEvents.windowDidShow();
+    windowEvents.windowWillHide();
+    EXPECT_EQ(controller.currentViewController(), nullptr);
+    setThreeTabs();
+    EXPECT_THAT(events, testing::Not(testing::Contains("General appears"))) << "the window is hidden";
+}
+
 TEST_F(SettingsWindowControllerTest, TheShownTabDisappearsAndAppearsWhenItIsClickedAgain) {
     setThreeTabs();
     window->show();
