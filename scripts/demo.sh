@@ -3,6 +3,7 @@
 #   demo.sh BUILD SERVICE_PORT UPDATE_PORT CA_FILE [import|update]
 set -eu
 cd "$(dirname "$0")/.."
+. scripts/waiting.sh
 build=$1
 service_port=$2
 update_port=$3
@@ -24,17 +25,6 @@ trap 'exit 1' INT TERM
 fail() {
     echo "run.sh: $1" >&2
     exit 1
-}
-
-# wait_until SECONDS COMMAND...: succeeds as soon as the command does.
-wait_until() {
-    tries=$(($1 * 10))
-    shift
-    until "$@" >/dev/null 2>&1; do
-        tries=$((tries - 1))
-        [ "$tries" -gt 0 ] || return 1
-        sleep 0.1
-    done
 }
 
 mkdir -p "$pictures" "$home/run"

@@ -10,7 +10,7 @@ libcurl4-openssl-dev libssl-dev zlib1g-dev nlohmann-json3-dev libutfcpp-dev libf
 qt6-base-dev libgl-dev libqt6svg6 ca-certificates tzdata
 libgtest-dev libgmock-dev libplist-dev pkg-config python3 clang-format
 dbus-bin dbus-daemon libglib2.0-bin xvfb xauth fonts-dejavu-core imagemagick procps
-appstream desktop-file-utils mandoc qt6-wayland systemd weston
+appstream desktop-file-utils mandoc openbox qt6-wayland systemd weston x11-utils
 at-spi2-core python3-gi gir1.2-atspi-2.0
 $*
 "

@@ -2,6 +2,7 @@
 # A part of try-package.sh: as an ordinary user of the system on which the package is installed, with a display and a bus.
 set -eu
 cd "$(dirname "$0")"
+. ./waiting.sh
 program=com.quessartolvinger.Corvane
 entry=/usr/share/applications/$program.desktop
 reports=$HOME/.local/share/QX4ZT7M2P9.group.quessartolvinger.brindlecount/ToImport
@@ -11,15 +12,6 @@ fail() {
     echo "try-package.sh: $1" >&2
     [ ! -f "$HOME/log" ] || cat "$HOME/log" >&2
     exit 1
-}
-wait_until() {
-    tries=$(($1 * 10))
-    shift
-    until "$@" >/dev/null 2>&1; do
-        tries=$((tries - 1))
-        [ "$tries" -gt 0 ] || return 1
-        sleep 0.1
-    done
 }
 has_no_owner() {
     gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \

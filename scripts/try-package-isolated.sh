@@ -3,6 +3,7 @@
 # of the system in SYSTEM, and runs try-package-inside.sh there as the user tester.
 #   try-package-isolated.sh DEMO_SERVICE SYSTEM
 set -eu
+. "$(dirname "$0")/waiting.sh"
 service=$1
 system=$2
 report_host=reportingitc.apple.com
@@ -26,12 +27,7 @@ trap clean_up EXIT
 trap 'exit 1' INT TERM
 
 printf '127.0.0.1 localhost %s updates.corvane.invalid\n' "$report_host" >"$system/etc/hosts"
-tries=50
-until grep -q READY=1 "$system/tmp/service"; do
-    tries=$((tries - 1))
-    [ "$tries" -gt 0 ] || { echo "try-package.sh: the demo service does not start" >&2; exit 1; }
-    sleep 0.1
-done
+wait_until 10 grep -q READY=1 "$system/tmp/service" || { echo "try-package.sh: the demo service does not start" >&2; exit 1; }
 inside update-ca-certificates >/dev/null 2>&1
 
 mkdir -p "$system/tmp/.X11-unix"

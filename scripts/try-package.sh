@@ -83,7 +83,7 @@ say "Trying it"
 mkdir -p "$system/tmp/try/build"
 cp -r docs README.md examples "$system/tmp/try"
 cp -r build/example "$system/tmp/try/build"
-cp scripts/commands-of.sh scripts/try-package-inside.sh scripts/write-demo-settings.py "$system/tmp/try"
+cp scripts/commands-of.sh scripts/try-package-inside.sh scripts/waiting.sh scripts/write-demo-settings.py "$system/tmp/try"
 unshare --net scripts/try-package-isolated.sh "$build/src/demo_service/corvane-demo-service" "$system" ||
     fail "the package does not work"
 

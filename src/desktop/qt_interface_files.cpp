@@ -7,6 +7,7 @@
 #include "desktop/import_view.h"
 #include "desktop/preferences_tab.h"
 #include "desktop/qt_tab_view.h"
+#include "desktop/start_by_bus.h"
 
 namespace corvane {
 
@@ -27,6 +28,8 @@ std::unique_ptr<PreferencesView> QtInterfaceFiles::loadPreferencesView() {
 
 std::unique_ptr<SettingsWindowView> QtInterfaceFiles::loadSettingsWindow(SettingsWindowEvents& events) {
     auto window = std::make_unique<SettingsWindow>(events, commands_, strings_);
+    // For an import the user's place is elsewhere. Whoever wants to see the window calls Activate next.
+    window->setAttribute(Qt::WA_ShowWithoutActivating, isStartedByBus());
     settingsWindow_ = window.get();
     return window;
 }

@@ -183,8 +183,11 @@ void SettingsWindow::show() {
     if (isMinimized())
         setWindowState(windowState() & ~Qt::WindowMinimized);
     QMainWindow::show();
-    raise();
-    activateWindow();
+    if (!testAttribute(Qt::WA_ShowWithoutActivating)) {
+        raise();
+        activateWindow();
+    }
+    setAttribute(Qt::WA_ShowWithoutActivating, false);
     for (const auto& sheet : sheets_)
         sheet->raise();
     if (!wasVisible)

@@ -40,6 +40,7 @@ class SettingsWindow final : public QMainWindow, public SettingsWindowView {
     void removeContent(TabView& view) override;
 
     void center() override;
+    /// Comes to the front and takes the keyboard, but for a first time with Qt::WA_ShowWithoutActivating.
     void show() override;
     bool isVisible() const override { return QWidget::isVisible(); }
 

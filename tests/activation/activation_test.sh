@@ -1,8 +1,9 @@
 #!/bin/sh
 # Starts the program in every way there is, also at once, on a display and a session bus of its own, and sees to it that
-# there is only one of it.
+# there is only one of it; on X11 with a window manager, and that it leaves the keyboard where the user is at work.
 #   activation_test.sh x11|wayland PROGRAM CORVANE_IMPORT DEMO_SERVICE WRITE_SETTINGS PORT UPDATE_PORT CA_FILE
 set -eu
+. "$(dirname "$0")/../../scripts/waiting.sh"
 display=$1
 program=$2
 corvane_import=$3
@@ -32,17 +33,6 @@ fail() {
     done
     exit 1
 }
-# wait_until SECONDS COMMAND...: succeeds as soon as the command does.
-wait_until() {
-    tries=$(($1 * 20))
-    shift
-    until "$@" >/dev/null 2>&1; do
-        tries=$((tries - 1))
-        [ "$tries" -gt 0 ] || return 1
-        sleep 0.05
-    done
-}
-
 mkdir "$home/services"
 mkdir -m 700 "$home/run"
 export HOME="$home" XDG_RUNTIME_DIR="$home/run" XDG_CONFIG_HOME="$home/config" XDG_DATA_HOME="$home/data"
@@ -56,6 +46,9 @@ case "$display" in
         wait_until 10 test -s "$home/display" || fail "the X server does not start"
         DISPLAY=:$(cat "$home/display")
         export DISPLAY QT_QPA_PLATFORM=xcb
+        openbox >"$home/window-manager.log" 2>&1 &
+        started="$started $!"
+        wait_until 10 sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "#"' || fail "the window manager does not start"
         ;;
     wayland)
         weston --backend=headless-backend.so --socket=wayland-test --idle-time=0 >"$home/display.log" 2>&1 &
@@ -148,3 +141,28 @@ call Activate '{}'
 is_one "by corvane-import and by the bus at once"
 wait "$import" || fail "the import failed"
 grep -q 'Import finished: [1-9]' "$home/import.log" || fail "the import brought nothing"
+wait_until 10 is_gone || fail "the program does not end after its import"
+[ "$display" = x11 ] || exit 0
+
+# The host's window is the one at work. It writes down when it gets the keyboard, and when it loses it.
+stdbuf -oL xev -event focus >"$home/host.log" 2>&1 &
+started="$started $!"
+focus_events() { sed -n 's/^\(Focus[A-Za-z]*\) event.*/\1/p' "$home/host.log"; }
+host_has_focus() { [ "$(focus_events | tail -n 1)" = FocusIn ]; }
+windows() { xprop -root _NET_CLIENT_LIST | grep -o 0x | wc -l; }
+are_two_windows() { [ "$(windows)" -eq 2 ]; }
+wait_until 10 host_has_focus || fail "the host's window does not get the keyboard"
+
+gdbus wait --session --activate "$name" --timeout 20 "$name" || fail "the bus does not start the program"
+wait_until 10 are_two_windows || fail "the settings window does not appear"
+sleep 0.5  # as long as it may take the window manager to hand the keyboard on
+[ "$(focus_events)" = FocusIn ] || fail "the settings window takes the keyboard when only an import is asked for"
+
+"$corvane_import" --timeout 60 >"$home/import.log" 2>&1 || fail "the second import failed"
+wait_until 10 is_gone || fail "the program does not end after its second import"
+wait_until 10 host_has_focus || fail "the keyboard is not back with the host after the import"
+
+call Activate '{}'
+host_lost_focus() { ! host_has_focus; }
+wait_until 10 host_lost_focus || fail "the settings window does not come to the front when it is asked for"
+quit
