@@ -67,6 +67,31 @@ while IFS= read -r line; do
 done <guide
 wait_until 10 has_no_owner || fail "the program was told to quit, and did not"
 
+say "The daily import, as the README says"
+/lib/systemd/systemd --user 2>"$HOME/log" &
+manager=$!
+wait_until 20 systemctl --user is-system-running || fail "the user's service manager does not start"
+systemctl --user import-environment DBUS_SESSION_BUS_ADDRESS DISPLAY XAUTHORITY
+[ "$(systemctl --user is-enabled corvane-import.timer)" = disabled ] || fail "the timer is enabled without being asked for"
+# As if the machine had been off for two days: the timer makes up for it, here without its random delay.
+mkdir -p "$HOME/.local/share/systemd/timers" "$HOME/.config/systemd/user/corvane-import.timer.d"
+touch -d '2 days ago' "$HOME/.local/share/systemd/timers/stamp-corvane-import.timer"
+printf '[Timer]\nRandomizedDelaySec=0\n' >"$HOME/.config/systemd/user/corvane-import.timer.d/at-once.conf"
+systemctl --user daemon-reload
+run_as_written "$(./commands-of.sh README.md "Every day by itself")"
+has_imported() { [ "$(systemctl --user show -P ExecMainExitTimestampMonotonic corvane-import.service)" -gt 0 ]; }
+wait_until 60 has_imported || fail "the timer starts no import"
+[ "$(systemctl --user show -P Result corvane-import.service)" = success ] || fail "the daily import failed"
+systemctl --user list-timers --no-legend corvane-import.timer | grep -q corvane-import.service || fail "the timer does not wait"
+run_as_written "$(./commands-of.sh README.md "Remove it" | grep '^systemctl')"
+[ "$(systemctl --user is-enabled corvane-import.timer)" = disabled ] || fail "the timer is still enabled"
+systemctl --user exit
+wait "$manager" || fail "the user's service manager ended with an error"
+rm -r "$HOME/.config/systemd" "$HOME/.local/share/systemd"
+gdbus call --session --dest "$program" --object-path /com/quessartolvinger/Corvane \
+    --method org.freedesktop.Application.ActivateAction quit '[]' '{}' >/dev/null
+wait_until 10 has_no_owner || fail "the program was told to quit, and did not"
+
 say "The README's check of the bus"
 ./commands-of.sh README.md Trouble >trouble
 run_as_written "$(cat trouble)"

@@ -12,12 +12,19 @@ inside() { chroot "$system" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin L
 
 ip link set lo up
 
+# A user's service manager wants a system that systemd has started, and control groups that are its user's.
+groups=$(mktemp -d)
+group=$groups/try-package-$$
+
 [ ! -e "$system/etc/hosts" ] || cp "$system/etc/hosts" "$system/etc/hosts.before"
 : >"$system/tmp/service"
 "$service" --port 443 --update-port 80 --host-name "$report_host" --ca-file "$authority" >"$system/tmp/service" &
 service_process=$!
 clean_up() {
     kill "$service_process" 2>/dev/null || true
+    [ ! -d "$group" ] || find "$group" -depth -type d -exec rmdir {} \;
+    umount "$groups" 2>/dev/null || true
+    rmdir "$groups" "$system/run/systemd/system" 2>/dev/null || true
     rm "$system/etc/hosts"
     [ ! -e "$system/etc/hosts.before" ] || mv "$system/etc/hosts.before" "$system/etc/hosts"
     rm -f "$authority"
@@ -34,6 +41,15 @@ mkdir -p "$system/tmp/.X11-unix"
 chmod 1777 "$system/tmp/.X11-unix"
 chroot "$system" mkdir -p -m 700 /tmp/tester-run
 chroot "$system" chown -R tester:tester /tmp/tester-run /tmp/try
-chroot --userspec=tester:tester "$system" /usr/bin/env -i PATH=/usr/bin:/bin HOME=/home/tester USER=tester LC_ALL=C.UTF-8 \
-    XDG_RUNTIME_DIR=/tmp/tester-run xvfb-run --auto-servernum --server-args="-screen 0 1280x800x24 -nolisten tcp" \
-    dbus-run-session -- sh /tmp/try/try-package-inside.sh
+mount -t cgroup2 none "$groups"
+mkdir "$group"
+chroot "$system" id -u tester | xargs -I{} chown {} "$group" "$group/cgroup.procs" "$group/cgroup.subtree_control"
+mkdir -p "$system/run/systemd/system"
+# Joins the group, and then sees nothing of the others.
+sh -euc 'echo $$ >"$1/cgroup.procs"; exec unshare --mount --cgroup sh -euc "$2" - "$3"' - "$group" '
+    mount -t tmpfs none "$1/sys"
+    mkdir -p "$1/sys/fs/cgroup"
+    mount -t cgroup2 none "$1/sys/fs/cgroup"
+    exec chroot --userspec=tester:tester "$1" /usr/bin/env -i PATH=/usr/bin:/bin HOME=/home/tester USER=tester LC_ALL=C.UTF-8 \
+        XDG_RUNTIME_DIR=/tmp/tester-run xvfb-run --auto-servernum --server-args="-screen 0 1280x800x24 -nolisten tcp" \
+        dbus-run-session -- sh /tmp/try/try-package-inside.sh' "$system"

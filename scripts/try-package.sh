@@ -73,24 +73,32 @@ list_files() {
 }
 list_files >"$work/before"
 
-say "Installing the package with apt"
-cp "$package" "$system/tmp/corvane.deb"
-inside apt-get install -y -qq /tmp/corvane.deb >"$work/apt.log" 2>&1 || { cat "$work/apt.log" >&2; fail "apt failed"; }
+say "Installing the package with apt, as the README says"
+mkdir -p "$system/tmp/try/build/package"
+cp "$package" "$system/tmp/try/build/package"
+echo 'APT::Get::Assume-Yes "true";' >"$system/tmp/apt.conf"
+# as_written HEADING: the README's apt command below that heading; here it is root's, and asks nothing.
+as_written() {
+    command=$(scripts/commands-of.sh README.md "$1" | sed -n 's/^sudo apt /apt /p')
+    echo "   $command"
+    inside APT_CONFIG=/tmp/apt.conf sh -euc "cd /tmp/try && $command" >"$work/apt.log" 2>&1 || { cat "$work/apt.log" >&2; fail "apt failed"; }
+}
+as_written "Install it"
 inside dpkg --verify corvane
 inside man -w corvane corvane-import >/dev/null || fail "the manual pages are not found"
 
 say "Trying it"
-mkdir -p "$system/tmp/try/build"
 cp -r docs README.md examples "$system/tmp/try"
 cp -r build/example "$system/tmp/try/build"
 cp scripts/commands-of.sh scripts/try-package-inside.sh scripts/waiting.sh scripts/write-demo-settings.py "$system/tmp/try"
 unshare --net scripts/try-package-isolated.sh "$build/src/demo_service/corvane-demo-service" "$system" ||
     fail "the package does not work"
 
-say "Removing the package"
-# By itself apt keeps what came along when anything else installed would recommend it.
-inside apt-get purge -y -qq --autoremove -o APT::AutoRemove::RecommendsImportant=false \
-    -o APT::AutoRemove::SuggestsImportant=false corvane >"$work/apt.log" 2>&1 || { cat "$work/apt.log" >&2; fail "apt failed"; }
+say "Removing the package, as the README says"
+as_written "Remove it"
+# And what came along with it. By itself apt keeps what anything else installed would recommend.
+inside apt-get autoremove --purge -y -qq -o APT::AutoRemove::RecommendsImportant=false \
+    -o APT::AutoRemove::SuggestsImportant=false >"$work/apt.log" 2>&1 || { cat "$work/apt.log" >&2; fail "apt failed"; }
 list_files >"$work/after"
 if ! diff "$work/before" "$work/after" >"$work/difference"; then
     head -n 50 "$work/difference" >&2
@@ -102,7 +110,7 @@ named=$(find "$system" -xdev \( -path "$system/proc" -o -path "$system/dev" -o -
 
 say "What is left is the user's"
 (cd "$system/home/tester" && find . -type f | sed -n '1,/ToImport/p')
-leftovers=$(cd "$system/home/tester" && find . -iname '*corvane*' ! -path './.config/corvane' ! -path './.config/systemd/*')
+leftovers=$(cd "$system/home/tester" && find . -iname '*corvane*' ! -path './.config/corvane')
 [ -z "$leftovers" ] || fail "left in the home: $leftovers"
 [ -f "$system/home/tester/.config/corvane/settings.plist" ] || fail "the settings have gone"
 say "Done"
