@@ -2,6 +2,7 @@
 
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QTimer>
 #include <QTranslator>
 #include <chrono>
 #include <cstdlib>
@@ -34,13 +35,18 @@ void installToolkitTexts(QTranslator& texts) {
         QCoreApplication::installTranslator(&texts);
 }
 
-/// The actions have the names that the menu entry gives them.
+/// The actions have the names that the menu entry gives them. Whoever asks for one does not wait for the
+/// user.
 ApplicationCommands busCommands(RunningProgram*& running) {
     return {.activate = [&running] { running->delegate().applicationShouldHandleReopen(); },
             .actions = {{QStringLiteral("check-for-updates"),
                          [&running] { running->menuCommands().checkForUpdates(); }},
                         {QStringLiteral("open-reports-folder"),
                          [&running] { running->menuCommands().openReportsFolder(); }},
+                        {QStringLiteral("about"),
+                         [&running] {
+                             QTimer::singleShot(0, qApp, [&running] { running->menuCommands().showAbout(); });
+                         }},
                         {QStringLiteral("quit"), [&running] { running->menuCommands().quit(); }}}};
 }
 

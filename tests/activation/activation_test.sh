@@ -165,4 +165,7 @@ wait_until 10 host_has_focus || fail "the keyboard is not back with the host aft
 call Activate '{}'
 host_lost_focus() { ! host_has_focus; }
 wait_until 10 host_lost_focus || fail "the settings window does not come to the front when it is asked for"
+call ActivateAction about '[]' '{}' || fail "the program does not take the action about"
+are_three_windows() { [ "$(windows)" -eq 3 ]; }
+wait_until 10 are_three_windows || fail "the action about shows nothing"
 quit

@@ -28,6 +28,10 @@ class FakeProgram : public QObject {
 
     bool start() {
         QDBusConnection bus = QDBusConnection::sessionBus();
+        // Ends with its bus: nobody else ends a program that waits.
+        bus.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
+                    QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+                    QCoreApplication::instance(), SLOT(quit()));
         if (!bus.connect({}, path, interface, QStringLiteral("kNotificationCorvaneReloadData"), this,
                          SLOT(asked(const QDBusMessage&))))
             return false;
