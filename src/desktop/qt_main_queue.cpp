@@ -15,7 +15,7 @@ using std::chrono::nanoseconds;
 using std::chrono::steady_clock;
 
 /// How long tasks run before input and painting get their turn.
-constexpr milliseconds timeBudget{4};
+constexpr milliseconds timeBudget{8};
 /// Longer delays are reached in several steps; timers count milliseconds in an int.
 constexpr milliseconds longestTimer{60 * 60 * 1000};
 /// Keeps the sum with the current time within the clock's range.
@@ -68,7 +68,7 @@ void QtMainQueue::dropTasks() {
 bool QtMainQueue::event(QEvent* event) {
     if (event->type() != wakeUpEvent())
         return QObject::event(event);
-    arm();
+    runDueTasks();
     return true;
 }
 
