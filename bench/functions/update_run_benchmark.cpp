@@ -43,6 +43,7 @@ class ForgetfulFileManager final : public FileManager {
     std::error_code writeAtomically(const std::filesystem::path& /*path*/, ByteView /*content*/) override {
         return {};
     }
+    std::error_code synchronize(const std::filesystem::path& /*folder*/) override { return {}; }
     std::error_code copyItem(const std::filesystem::path& /*source*/,
                              const std::filesystem::path& /*destination*/) override {
         return {};

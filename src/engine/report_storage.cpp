@@ -2,6 +2,7 @@
 
 #include <utf8/checked.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "core/gzip_codec.h"
@@ -11,6 +12,9 @@
 namespace corvane {
 
 namespace {
+
+/// Few enough that a flush of them does not keep the windows waiting.
+constexpr int mostUnflushed = 64;
 
 std::filesystem::path reportFolder(FileManager& fileManager) {
     const auto container = fileManager.containerForApplicationGroup(applicationGroupIdentifier);
@@ -25,6 +29,13 @@ std::string storedName(std::string_view filename) {
     return std::string(lastPart.substr(0, lastPart.find('.'))) + ".txt";
 }
 
+/// Reports are plain ASCII but for a name here and there, and that part is told quickly.
+bool isUtf8(ByteView text) {
+    const auto firstOther =
+        std::find_if(text.begin(), text.end(), [](std::uint8_t byte) { return byte > 0x7F; });
+    return utf8::is_valid(firstOther, text.end());
+}
+
 }  // namespace
 
 ReportStorage::ReportStorage(FileManager& fileManager, Log& log)
@@ -37,7 +48,7 @@ std::filesystem::path ReportStorage::filePathForFilename(std::string_view filena
 std::optional<std::string> ReportStorage::createTempFile(const std::string& filename, Bytes data) {
     log_.log(formatText("result:%@", {filename}));
     const std::optional<Bytes> text = gunzippedData(std::move(data));
-    if (!text || !utf8::is_valid(text->begin(), text->end()))
+    if (!text || !isUtf8(*text))
         return std::nullopt;
 
     const std::filesystem::path path = filePathForFilename(storedName(filename));
@@ -47,7 +58,16 @@ std::optional<std::string> ReportStorage::createTempFile(const std::string& file
         fileManager_.createDirectoryAtPath(folder);  // without the folder the write fails, and says why
     if (const std::error_code error = fileManager_.writeAtomically(path, *text))
         log_.log(formatText("ERROR while saving report:%@", {error.message()}));
+    else if (++unflushedCount_ == mostUnflushed)
+        flush();
     return path.native();
+}
+
+void ReportStorage::flush() {
+    if (std::exchange(unflushedCount_, 0) == 0)
+        return;
+    if (const std::error_code error = fileManager_.synchronize(reportPath_))
+        log_.log(formatText("ERROR while saving report:%@", {error.message()}));
 }
 
 std::filesystem::path ReportStorage::filePathForReport(Date date, SaleDataReportType type,

@@ -29,6 +29,10 @@ class ReportStorage {
     /// failed, which is logged; absent when the unpacked data is no UTF-8 text, and then nothing is written.
     std::optional<std::string> createTempFile(const std::string& filename, Bytes data);
 
+    /// Returns when all reports that were written are on disk; an error is logged. Happens by itself each
+    /// time that many are waiting for it.
+    void flush();
+
     /// Where the report of that date would be stored under the service's usual name.
     std::filesystem::path filePathForReport(Date date, SaleDataReportType type,
                                             std::string_view vendorID) const;
@@ -38,6 +42,7 @@ class ReportStorage {
     FileManager& fileManager_;
     Log& log_;
     std::filesystem::path reportPath_;
+    int unflushedCount_ = 0;
 };
 
 }  // namespace corvane

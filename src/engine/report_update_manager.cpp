@@ -140,6 +140,7 @@ std::optional<std::string> ReportUpdateManager::store(ReportResult& result, Sale
 }
 
 void ReportUpdateManager::finish(const SignInError& signInError, const Run& run) {
+    storage_.flush();  // first: what the cache knows is not asked for again
     setSelectedCache(run.downloadedKeys.keys());
     const std::optional<std::string> message = signInError.message();
     if (!message)

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/gzip_codec.h"
+#include "platform/memory/failing_file_manager.h"
 #include "platform/memory/in_memory_file_manager.h"
 #include "platform/memory/in_memory_log.h"
 
@@ -129,6 +130,33 @@ TEST_F(ReportStorageTest, ReturnsThePathAndLogsTheErrorWhenTheFileCannotBeWritte
     EXPECT_EQ(files.contentsAtPath(*path), std::nullopt);
     EXPECT_EQ(log.lines().back(),
               "ERROR while saving report:" + std::make_error_code(std::errc::no_space_on_device).message());
+}
+
+TEST_F(ReportStorageTest, FlushesReportsManyAtATime) {
+    for (int number = 1; number < 64; ++number)
+        storage.createTempFile(std::to_string(number) + ".txt", toBytes("x"));
+    EXPECT_EQ(files.unflushedCount(), 63);
+    storage.createTempFile("64.txt", toBytes("x"));
+    EXPECT_EQ(files.unflushedCount(), 0);
+    storage.createTempFile("65.txt", toBytes("x"));
+    EXPECT_EQ(files.unflushedCount(), 1);
+    storage.flush();
+    EXPECT_EQ(files.unflushedCount(), 0);
+}
+
+TEST(ReportStorageFlushTest, LogsAFlushThatFailsAndHasNothingToFlushAfterIt) {
+    InMemoryFileManager files;
+    InMemoryLog log;
+    // The look-up of the container, the folder and the report come first.
+    FailingFileManager failing(files, 3, std::make_error_code(std::errc::io_error));
+    ReportStorage storage(failing, log);
+    storage.createTempFile("a.txt", toBytes("x"));
+    storage.flush();
+    EXPECT_EQ(log.lines().back(), "ERROR while saving report:Input/output error");
+    const std::size_t lineCount = log.lines().size();
+    storage.flush();
+    EXPECT_EQ(log.lines().size(), lineCount);
+    EXPECT_EQ(failing.operationCount(), 4U);
 }
 
 TEST_F(ReportStorageTest, FindsTheReportOfADate) {

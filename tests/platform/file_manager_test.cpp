@@ -60,6 +60,7 @@ using MakePlace = std::function<std::unique_ptr<Place>()>;
 class FileManagerTest : public ::testing::TestWithParam<MakePlace> {
   protected:
     fs::path path(const std::string& name) const { return place_->folder() / name; }
+    fs::path place() const { return place_->folder(); }
     FileManager& files() const { return place_->files(); }
     std::string read(const std::string& name) const { return place_->read(path(name)); }
     std::error_code write(const std::string& name, std::string_view content) const {
@@ -74,6 +75,13 @@ INSTANTIATE_TEST_SUITE_P(OnDisk, FileManagerTest,
                          ::testing::Values([] { return std::make_unique<PlaceOnDisk>(); }));
 INSTANTIATE_TEST_SUITE_P(InMemory, FileManagerTest,
                          ::testing::Values([] { return std::make_unique<PlaceInMemory>(); }));
+
+TEST_P(FileManagerTest, FlushesAFolderThatIsThere) {
+    ASSERT_FALSE(write("a", "content"));
+    EXPECT_FALSE(files().synchronize(place()));
+    EXPECT_EQ(files().synchronize(path("missing")), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(read("a"), "content");
+}
 
 TEST_P(FileManagerTest, WritesAndReplacesFiles) {
     EXPECT_FALSE(files().fileExistsAtPath(path("a.txt")));

@@ -88,7 +88,8 @@ class FailingOperationTest : public testing::TestWithParam<FaultCase> {
 };
 
 TEST_F(FailingOperationTest, EachFileManagerOperationOfARun) {
-    std::size_t operations = missingDays;
+    // Each report is written, and all are flushed in the end.
+    std::size_t operations = missingDays + 1;
     for (std::size_t failing = 0; failing < operations; ++failing) {
         SCOPED_TRACE(failing);
         reset();
@@ -102,12 +103,29 @@ TEST_F(FailingOperationTest, EachFileManagerOperationOfARun) {
         EXPECT_EQ(engine.finishes, 1);
         EXPECT_EQ(countLines(engine.log, saveFailure), 1U);
         EXPECT_EQ(engine.paths.size(), missingDays) << "the path is told although nothing was written";
-        EXPECT_EQ(readFile(reportOf(keys_.at(failing))), failing == 1 ? "old" : "");
+        if (failing < missingDays) {
+            EXPECT_EQ(readFile(reportOf(keys_.at(failing))), failing == 1 ? "old" : "");
+        }
         expectWholeReports();
         EXPECT_TRUE(engine.dueKeys().empty()) << "a key is recorded although its file could not be saved";
         operations = faulty.operationCount() - 1;
     }
-    EXPECT_EQ(operations, missingDays);
+    EXPECT_EQ(operations, missingDays + 1);
+}
+
+TEST_F(FailingOperationTest, NothingFailsAndTheReportsAreOnDiskBeforeTheCacheSaysSo) {
+    reset();
+    ManualBackgroundQueue queue;
+    ScriptedHttpClient http(answerWithItsReport);
+    EngineOnDisk engine({home_.path(), http, queue});
+    const SystemCallFaults noFaults(-1, 0, SystemCallFaults::Extent::One);
+    finish(engine, queue);
+    const auto& calls = noFaults.calls();
+    const auto flushOfReports = std::find(calls.begin(), calls.end(), "syncfs");
+    const auto flushOfSettings = std::find(calls.begin(), calls.end(), "fsync");
+    EXPECT_EQ(std::count(calls.begin(), flushOfReports, "renameat"), missingDays);
+    EXPECT_LT(flushOfReports, flushOfSettings);
+    EXPECT_EQ(std::count(flushOfSettings, calls.end(), "renameat"), 1);
 }
 
 TEST_P(FailingOperationTest, EachSystemCallOfARun) {

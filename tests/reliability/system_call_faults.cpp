@@ -72,6 +72,7 @@ int __wrap_openat(int folder, const char* path, int flags, ...);
 ssize_t __wrap_read(int file, void* bytes, size_t count);
 ssize_t __wrap_write(int file, const void* bytes, size_t count);
 int __wrap_fsync(int file);
+int __wrap_syncfs(int file);
 int __wrap_chmod(const char* path, mode_t mode);
 int __wrap_fchmod(int file, mode_t mode);
 int __wrap_renameat(int fromFolder, const char* from, int toFolder, const char* to);
@@ -107,6 +108,10 @@ ssize_t __wrap_write(int file, const void* bytes, size_t count) {
 
 // What these tests write need not survive a power cut, and flushing it to a busy disk takes most of their
 // time.
+int __wrap_syncfs(int /*file*/) {
+    return SystemCallFaults::failsNow("syncfs") ? -1 : 0;
+}
+
 int __wrap_fsync(int /*file*/) {
     return SystemCallFaults::failsNow("fsync") ? -1 : 0;
 }

@@ -18,6 +18,10 @@ std::error_code FailingFileManager::writeAtomically(const std::filesystem::path&
     return failsNow() ? error_ : files_.writeAtomically(path, content);
 }
 
+std::error_code FailingFileManager::synchronize(const std::filesystem::path& folder) {
+    return failsNow() ? error_ : files_.synchronize(folder);
+}
+
 std::error_code FailingFileManager::copyItem(const std::filesystem::path& source,
                                              const std::filesystem::path& destination) {
     return failsNow() ? error_ : files_.copyItem(source, destination);

@@ -18,6 +18,7 @@ class FailingFileManager final : public FileManager {
     bool fileExistsAtPath(const std::filesystem::path& path) const override;
     std::error_code createDirectoryAtPath(const std::filesystem::path& path) override;
     std::error_code writeAtomically(const std::filesystem::path& path, ByteView content) override;
+    std::error_code synchronize(const std::filesystem::path& folder) override;
     std::error_code copyItem(const std::filesystem::path& source,
                              const std::filesystem::path& destination) override;
     std::optional<std::filesystem::path> containerForApplicationGroup(std::string_view identifier) override;

@@ -50,6 +50,14 @@ std::error_code InMemoryFileManager::writeAtomically(const std::filesystem::path
     if (writeError_)
         return writeError_;
     files_[target] = Bytes(content.begin(), content.end());
+    ++unflushedCount_;
+    return {};
+}
+
+std::error_code InMemoryFileManager::synchronize(const std::filesystem::path& folder) {
+    if (!folders_.contains(normalized(folder)))
+        return std::make_error_code(std::errc::no_such_file_or_directory);
+    unflushedCount_ = 0;
     return {};
 }
 

@@ -17,6 +17,7 @@ class InMemoryFileManager final : public FileManager {
     bool fileExistsAtPath(const std::filesystem::path& path) const override;
     std::error_code createDirectoryAtPath(const std::filesystem::path& path) override;
     std::error_code writeAtomically(const std::filesystem::path& path, ByteView content) override;
+    std::error_code synchronize(const std::filesystem::path& folder) override;
     std::error_code copyItem(const std::filesystem::path& source,
                              const std::filesystem::path& destination) override;
     std::optional<std::filesystem::path> containerForApplicationGroup(std::string_view identifier) override;
@@ -27,6 +28,9 @@ class InMemoryFileManager final : public FileManager {
     /// From now on every write that could be made fails with `error`, as on a full disk; an empty error ends
     /// that.
     void failWritesWith(std::error_code error) { writeError_ = error; }
+
+    /// How many files were written since the last `synchronize`.
+    int unflushedCount() const { return unflushedCount_; }
 
     /// Absent when there is no such file.
     std::optional<Bytes> contentsAtPath(const std::filesystem::path& path) const;
@@ -41,6 +45,7 @@ class InMemoryFileManager final : public FileManager {
     std::set<std::filesystem::path> folders_{"/"};
     bool hasContainers_ = true;
     std::error_code writeError_;
+    int unflushedCount_ = 0;
 };
 
 }  // namespace corvane

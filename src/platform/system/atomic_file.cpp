@@ -148,12 +148,15 @@ std::error_code AtomicFile::write(ByteView content) {
 }
 
 std::error_code AtomicFile::commit() {
-    if (const std::error_code error = synchronize(file_.number()))
-        return error;
+    const bool isFlushedNow = options_.flush == AtomicFileFlush::Now;
+    if (isFlushedNow) {
+        if (const std::error_code error = synchronize(file_.number()))
+            return error;
+    }
     if (const std::error_code error = moveIntoPlace())
         return error;
     temporaryName_.clear();
-    return synchronize(folder_.number());
+    return isFlushedNow ? synchronize(folder_.number()) : std::error_code();
 }
 
 std::error_code AtomicFile::moveIntoPlace() {

@@ -27,15 +27,21 @@ enum class AtomicFileTarget {
     MustBeFree,  ///< anything there is an error
 };
 
+enum class AtomicFileFlush {
+    Now,    ///< the file before its renaming, and the folder after it: also a power cut finds it whole
+    Later,  ///< left to whoever has more files to flush
+};
+
 struct AtomicFileOptions {
     AtomicFileMode mode = AtomicFileMode::Ordinary;
     AtomicFileFolder folder = AtomicFileFolder::MustBeOwn;
     AtomicFileTarget target = AtomicFileTarget::MayExist;
+    AtomicFileFlush flush = AtomicFileFlush::Now;
 };
 
 /// A file that appears under its name whole or not at all. It is written under a hidden name beside its
-/// target; `commit` flushes it to disk, renames it over the target and flushes the folder. Without a
-/// successful commit nothing is left behind, and the target is as it was.
+/// target; `commit` renames it over the target. Without a successful commit nothing is left behind, and the
+/// target is as it was.
 class AtomicFile {
   public:
     AtomicFile() = default;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -70,7 +71,14 @@ std::error_code PosixFileManager::createDirectoryAtPath(const std::filesystem::p
 }
 
 std::error_code PosixFileManager::writeAtomically(const std::filesystem::path& path, ByteView content) {
-    return writeFileAtomically(path, content, {});
+    return writeFileAtomically(path, content, {.flush = AtomicFileFlush::Later});
+}
+
+std::error_code PosixFileManager::synchronize(const std::filesystem::path& folder) {
+    const FileDescriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!opened.isOpen() || syncfs(opened.number()) != 0)
+        return lastError();
+    return {};
 }
 
 std::error_code PosixFileManager::copyItem(const std::filesystem::path& source,
