@@ -18,13 +18,13 @@ def threads(pid):
 
 
 def switches(pid):
-    """How often a thread of the process has waited for something, and so been woken up."""
-    count = 0
+    """How often each thread of the process has waited for something, and so been woken up."""
+    counts = {}
     for thread in threads(pid):
         for line in (thread / "status").read_text().splitlines():
             if line.startswith("voluntary_ctxt_switches"):
-                count += int(line.split()[1])
-    return count
+                counts[thread.name] = int(line.split()[1])
+    return counts
 
 
 def cpu_ticks(pid):
@@ -47,4 +47,6 @@ def watch(program, screen, scratch, seconds):
         after = switches(process.pid), cpu_ticks(process.pid)
         process.send_signal(signal.SIGTERM)
         process.wait()
-        return after[0] - before[0], (after[1] - before[1]) / os.sysconf("SC_CLK_TCK")
+        # A thread that ended meanwhile did so once, which is no wake-up that goes on.
+        wake_ups = sum(count - before[0].get(thread, 0) for thread, count in after[0].items())
+        return wake_ups, (after[1] - before[1]) / os.sysconf("SC_CLK_TCK")
