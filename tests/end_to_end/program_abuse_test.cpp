@@ -32,7 +32,7 @@ class ProgramAbuseTest : public EndToEndTest {
 
     /// Exactly that many ends of runs were announced, and the program does its work.
     void expectEnds(int count) {
-        EXPECT_TRUE(host_->waitForFinishes(count, std::chrono::minutes(2))) << lastLines();
+        EXPECT_TRUE(host_->waitForFinishes(count, std::chrono::minutes(5))) << lastLines();
         EXPECT_TRUE(program_->isRunning());
         EXPECT_TRUE(host_->activate());
         // A run starts a second after its request: an end too many would have come before this one.
