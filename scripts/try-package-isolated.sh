@@ -20,9 +20,15 @@ group=$groups/try-package-$$
 : >"$system/tmp/service"
 "$service" --port 443 --update-port 80 --host-name "$report_host" --ca-file "$authority" >"$system/tmp/service" &
 service_process=$!
+remove_group() {
+    [ ! -d "$group" ] || find "$group" -depth -type d -exec rmdir {} \;
+    [ ! -d "$group" ]
+}
 clean_up() {
     kill "$service_process" 2>/dev/null || true
-    [ ! -d "$group" ] || find "$group" -depth -type d -exec rmdir {} \;
+    # Whoever is left there is ours.
+    [ ! -e "$group/cgroup.kill" ] || echo 1 >"$group/cgroup.kill"
+    wait_until 5 remove_group || echo "try-package.sh: the control group $group is still in use and stays" >&2
     umount "$groups" 2>/dev/null || true
     rmdir "$groups" "$system/run/systemd/system" 2>/dev/null || true
     rm "$system/etc/hosts"
