@@ -1,6 +1,5 @@
 #include "app/json_object.h"
 
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <nlohmann/json.hpp>
@@ -14,12 +13,11 @@ constexpr std::size_t maximumDepth = 512;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view blanks = " \t\r\n";
 
-/// Keeps the members of the top-level object and only checks everything below it.
+/// Keeps the members of the top-level object and only checks everything below it; stops at any other text.
+/// The parser itself stops at numbers that are too large.
 class MemberReader final : public nlohmann::json::json_sax_t {
   public:
-    std::optional<JsonObject> members() && {
-        return isObject_ ? std::optional(std::move(members_)) : std::nullopt;
-    }
+    JsonObject members() && { return std::move(members_); }
 
     bool null() override { return add(OtherJson{}); }
     bool boolean(bool value) override { return add(value); }
@@ -28,16 +26,12 @@ class MemberReader final : public nlohmann::json::json_sax_t {
     bool number_float(double value, const std::string& literal) override {
         const std::string_view mantissa = std::string_view(literal).substr(0, literal.find_first_of("eE"));
         const bool isTooSmall = value == 0.0 && mantissa.find_first_of("123456789") != std::string_view::npos;
-        return std::isfinite(value) && !isTooSmall && add(value);
+        return !isTooSmall && add(value);
     }
     bool string(std::string& value) override { return add(std::move(value)); }
     bool binary(nlohmann::json::binary_t& /*value*/) override { return false; }
 
-    bool start_object(std::size_t /*elements*/) override {
-        if (depth_ == 0)
-            isObject_ = true;
-        return startContainer();
-    }
+    bool start_object(std::size_t /*elements*/) override { return startContainer(); }
     bool key(std::string& name) override {
         if (depth_ == 1)
             name_ = std::move(name);
@@ -73,7 +67,6 @@ class MemberReader final : public nlohmann::json::json_sax_t {
     JsonObject members_;
     std::string name_;
     std::size_t depth_ = 0;
-    bool isObject_ = false;
 };
 
 /// Drops each comma that follows an element and precedes the end of its array or object.
