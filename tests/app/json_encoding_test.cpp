@@ -47,6 +47,16 @@ TEST(JsonEncodingTest, ReadsTheShortestObjects) {
     EXPECT_EQ(jsonTextInUtf8(asBytes("1")), "1");
 }
 
+TEST(JsonEncodingTest, TakesNothingForAnEncodingThatOnlyBeginsLikeOne) {
+    // A byte order mark of 16 bits, then a character whose lower half is zero.
+    EXPECT_EQ(jsonTextInUtf8(encode<char16_t>(u"\uFEFF\u0100", false)), "\uFEFF\u0100");
+    // A character whose lower half is zero behind one that is not.
+    EXPECT_EQ(jsonTextInUtf8(encode<char16_t>(u"a\u0100", false)), "a\u0100");
+    // Half a byte order mark is none; that it is no UTF-8 either is for the reader to find.
+    for (const std::string_view text : {"\xFF{}", "\xFE{}", "\xFF\xFF{}", "\xFE\xFE{}"})
+        EXPECT_EQ(jsonTextInUtf8(asBytes(text)), text);
+}
+
 TEST(JsonEncodingTest, RefusesTextsThatAreNotValid) {
     const std::u16string wide[] = {u"{\""s + char16_t{0xD800} + u"\"}", u"{\""s + char16_t{0xDC00} + u"\"}",
                                    u"{\""s + char16_t{0xDC00} + char16_t{0xD800} + u"\"}",

@@ -274,6 +274,18 @@ TEST_F(ReportUpdateViewControllerTest, MakesTheReportsFolderForTheFirstCopy) {
     EXPECT_EQ(files.contentsAtPath(container / "Reports" / "a.txt"), toBytes("new"));
 }
 
+TEST_F(ReportUpdateViewControllerTest, CopiesNothingThatHasNoFileName) {
+    const auto container = files.containerForApplicationGroup(applicationGroupIdentifier).value();
+    files.createDirectoryAtPath("/home/user");
+    const std::vector<ResourceUrl> urls{ResourceUrl("file:"), ResourceUrl("file:///home/user/")};
+    ReportUpdateViewController& controller = openImportWindow().controller();
+    controller.loadURLs(urls);
+    EXPECT_EQ(controller.urls(), urls);
+    EXPECT_TRUE(files.contentsOfDirectory(container / "Reports").empty());
+    for (const std::string& line : log.lines())
+        EXPECT_FALSE(line.starts_with("copy from:")) << line;
+}
+
 TEST_F(ReportUpdateViewControllerTest, CopyingWithoutTheSharedContainerIsFatal) {
     ReportUpdateViewController& controller = openImportWindow().controller();
     files.refuseContainers();

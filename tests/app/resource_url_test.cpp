@@ -29,6 +29,7 @@ TEST(ResourceUrlTest, TellsFileUrlsFromOthers) {
         {"file:///tmp/a.txt?query#fragment", true, "/tmp/a.txt"},
         {"file:///bad%2", true, "/bad%2"},
         {"file:///bad%zz", true, "/bad%zz"},
+        {"file:///bad%1z", true, "/bad%1z"},
         {"file://host", true, std::nullopt},
         {"file:", true, std::nullopt},
         {"http://example.com/a.txt", false, std::nullopt},

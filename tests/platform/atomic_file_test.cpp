@@ -136,6 +136,7 @@ TEST_F(AtomicFileTest, RefusesAFolderAtTheTarget) {
 
 TEST_F(AtomicFileTest, RefusesANameThatIsNone) {
     EXPECT_EQ(write("", "x"), std::errc::invalid_argument);
+    EXPECT_EQ(write(".", "x"), std::errc::invalid_argument);
     EXPECT_EQ(write("..", "x"), std::errc::invalid_argument);
     EXPECT_EQ(write(std::string("a\0b", 3), "x"), std::errc::invalid_argument);
     EXPECT_EQ(write(std::string(256, 'n'), "x"), std::errc::filename_too_long);
@@ -152,6 +153,15 @@ TEST_F(AtomicFileTest, FailsWithoutTheFolder) {
     EXPECT_EQ(write("missing/a.txt", "x"), std::errc::no_such_file_or_directory);
     writeFile(path("file"), "");
     EXPECT_EQ(write("file/a.txt", "x"), std::errc::not_a_directory);
+}
+
+TEST_F(AtomicFileTest, TakesANameAloneForAFileInTheCurrentFolder) {
+    const std::filesystem::path previous = std::filesystem::current_path();
+    std::filesystem::current_path(folder_.path());
+    const std::error_code error = writeFileAtomically("a.txt", asBytes("x"), {});
+    std::filesystem::current_path(previous);
+    EXPECT_FALSE(error);
+    EXPECT_EQ(readFile(path("a.txt")), "x");
 }
 
 TEST_F(AtomicFileTest, RefusesAFolderBehindALinkUnlessThatIsAllowed) {
@@ -249,6 +259,11 @@ TEST_F(AtomicFileTest, RemovesNothingElse) {
     writeFile(path(".corvane-0123456789abcdef.partiaL"), "");
     std::filesystem::create_directory(path(pattern));
     std::filesystem::create_symlink("a.txt", path(".corvane-0123456789abcde0.partial"));
+    if (geteuid() == 0) {  // only root can give files away
+        const std::string anothers = ".corvane-0123456789abcde1.partial";
+        writeFile(path(anothers), "");
+        ASSERT_EQ(chown(path(anothers).c_str(), 12345, 12345), 0);
+    }
     const std::vector<std::string> before = names();
     removeLeftOvers(folder_.path());
     removeLeftOvers(path("missing"));

@@ -54,6 +54,7 @@ TEST(SuggestedFileNameTest, IsTheFileNameParameterOfTheHeader) {
         {"attachment; filename*=UTF-8'nothing; filename=plain", "plain"},
         {"attachment; filename*=UTF-8''; filename=plain", "plain"},
         {"attachment; filename*=UTF-8''100%zz%4; filename=plain", "100%zz%4"},
+        {"attachment; filename*=UTF-8''%4=%!4%4g%4@%4A", "%4=%!4%4g%4@J"},
     };
     for (const auto& [header, expected] : cases) {
         EXPECT_EQ(suggestedFileName(response(serviceUrl, {{"Content-Disposition", header}})), expected)

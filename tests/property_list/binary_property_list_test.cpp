@@ -127,6 +127,7 @@ TEST(BinaryPropertyList, RefusesMalformedObjects) {
         {0x33, 0, 0},                                                  // date cut short
         {0x43, 1, 2},                                                  // data cut short
         {0x4F},                                                        // count missing
+        {0x4F, 0x11, 0},                                               // count cut short
         {0x4F, 0x23, 0, 0, 0, 0, 0, 0, 0, 0},                          // count not an integer
         {0x4F, 0x14, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},  // count of sixteen bytes
         longObject(dataKind, unbelievable, {1}),                       // huge counts
