@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <ostream>
+#include <set>
 
 #include "platform/memory/failing_file_manager.h"
 #include "platform/memory/manual_background_queue.h"
@@ -212,6 +213,88 @@ TEST_P(FailingOperationTest, EachSystemCallOfASettingsSave) {
         if (HasFailure())
             break;
     }
+}
+
+TEST_P(FailingOperationTest, EachSystemCallOfTheFirstSettingsSave) {
+    const auto file = home_.path() / "new" / "config" / "settings.plist";
+    for (int failing = 0;; ++failing) {
+        std::filesystem::remove_all(home_.path() / "new");
+        InMemoryLog log;
+        const ManualClock clock;
+        PropertyListFileStore store(file, log, clock);
+        store.setObject("new", "value");
+        std::string call;
+        bool isSaved = false;
+        {
+            SystemCallFaults faults(failing, GetParam().error, GetParam().extent);
+            isSaved = store.synchronize();
+            if (!faults.hasFailed()) {
+                EXPECT_GT(failing, 8) << "the calls do not come through here";
+                break;
+            }
+            call = faults.calls().at(static_cast<std::size_t>(failing));
+        }
+        SCOPED_TRACE("call " + std::to_string(failing) + " " + call);
+        EXPECT_EQ(log.lines().size(), isSaved ? 0U : 1U) << testing::PrintToString(log.lines());
+        EXPECT_TRUE(!isSaved || readPropertyList(toBytes(readFile(file))));
+        EXPECT_TRUE(store.synchronize());
+        EXPECT_EQ(PropertyListFileStore(file, log, clock).objectForKey("new"), PropertyListValue("value"));
+        if (HasFailure())
+            break;
+    }
+}
+
+TEST_P(FailingOperationTest, EachSystemCallOfACopy) {
+    PosixFileManager files(home_.path());
+    const auto source = home_.path() / "source.txt";
+    const auto copy = home_.path() / "copies" / "copy.txt";
+    const std::string content(100'000, 'x');
+    writeFile(source, content);
+    for (int failing = 0;; ++failing) {
+        std::filesystem::remove_all(copy.parent_path());
+        std::filesystem::create_directory(copy.parent_path());
+        std::error_code error;
+        std::string call;
+        {
+            SystemCallFaults faults(failing, GetParam().error, GetParam().extent);
+            error = files.copyItem(source, copy);
+            if (!faults.hasFailed()) {
+                EXPECT_GT(failing, 8) << "the calls do not come through here";
+                break;
+            }
+            call = faults.calls().at(static_cast<std::size_t>(failing));
+        }
+        SCOPED_TRACE("call " + std::to_string(failing) + " " + call);
+        EXPECT_EQ(error.value(), GetParam().error);
+        // The folder's flush comes after the copy is in place.
+        const bool isThere = std::filesystem::exists(copy);
+        EXPECT_TRUE(!isThere || call == "fsync");
+        EXPECT_TRUE(!isThere || readFile(copy) == content);
+        if (HasFailure())
+            break;
+    }
+}
+
+TEST_F(FailingOperationTest, AnInterruptedCallIsMadeAgain) {
+    PosixFileManager files(home_.path());
+    const auto source = home_.path() / "source.txt";
+    const auto copy = home_.path() / "copies" / "copy.txt";
+    const std::string content(100'000, 'x');
+    writeFile(source, content);
+    std::set<std::string> madeAgain;
+    for (int interrupted = 0;; ++interrupted) {
+        std::filesystem::remove_all(copy.parent_path());
+        std::filesystem::create_directory(copy.parent_path());
+        SystemCallFaults faults(interrupted, EINTR, SystemCallFaults::Extent::One);
+        const std::error_code error = files.copyItem(source, copy);
+        if (!faults.hasFailed())
+            break;
+        if (!error) {
+            EXPECT_EQ(readFile(copy), content) << interrupted;
+            madeAgain.insert(faults.calls().at(static_cast<std::size_t>(interrupted)));
+        }
+    }
+    EXPECT_EQ(madeAgain, (std::set<std::string>{"fsync", "openat", "read", "write"}));
 }
 
 INSTANTIATE_TEST_SUITE_P(
