@@ -17,7 +17,7 @@ function(corvane_test name)
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)
     endif()
-    if(CORVANE_SANITIZERS)
+    if(CORVANE_SANITIZERS OR CMAKE_CXX_FLAGS MATCHES "--coverage")
         math(EXPR ARG_TIMEOUT "${ARG_TIMEOUT} * 4")  # they slow a program down that much, and more
     endif()
     set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
