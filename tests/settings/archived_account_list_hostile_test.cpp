@@ -120,9 +120,10 @@ TEST(HostileAccountArchive, DictionariesOfManyKeysAreNotSearchedForEver) {
     AccountArchiveBuilder builder;
     for (int index = 0; index < 50'000; ++index)
         builder.at(AccountArchiveBuilder::recordClass).emplace(" " + std::to_string(index), true);
+    const PropertyListValue account = PropertyListDictionary{{"$class", uid(5)}};
     PropertyListArray elements;
     for (int index = 0; index < 10'000; ++index)
-        elements.emplace_back(builder.add(PropertyListDictionary{{"$class", uid(5)}}));
+        elements.emplace_back(builder.add(account));
     builder.setElements(std::move(elements));
     EXPECT_FALSE(readMetered(builder.bytes()));
 }
