@@ -20,7 +20,9 @@ who_runs() {
         "cmake "* | "ctest "* | "DESTDIR="*" cmake "* | "sudo cmake --install "*) echo here ;;
         "git archive "* | "msginit "* | "echo fr >>po/LINGUAS" | "LANG="*" ./run.sh") echo here ;;
         "CORVANE_CMAKE_ARGUMENTS="*" scripts/package.sh "* | "scripts/bench.sh --quick "*) echo here ;;
-        "scripts/bench.sh "*) echo bench.sh ;;  # for the figures, on a quiet machine
+        # For the figures, on a quiet machine.
+        "scripts/bench.sh "*) echo bench.sh ;;
+        "GTEST_FILTER="*" scripts/reliability.sh "*) echo reliability.sh ;;
         "systemctl --user "* | corvane-import | "corvane-import "* | "gdbus "* | build/example/host-example) echo try-package.sh ;;
         "mkdir -p -m 700 ~/"* | "install -m 600 "* | "sudo apt "* | "scripts/try-package.sh "*) echo try-package.sh ;;
         *) return 1 ;;
