@@ -17,7 +17,7 @@ scripts=$PWD/scripts
 who_runs() {
     case "$1" in
         ./run.sh | ./test.sh | scripts/install-dependencies.sh | scripts/update-translations.sh | scripts/package.sh) echo here ;;
-        "cmake "* | "ctest "* | "DESTDIR="*" cmake "* | "sudo cmake --install "*) echo here ;;
+        "cmake "* | "ctest "* | "CORVANE_TEST_ALL_ROUNDS=1 ctest "* | "DESTDIR="*" cmake "* | "sudo cmake --install "*) echo here ;;
         "git archive "* | "msginit "* | "echo fr >>po/LINGUAS" | "LANG="*" ./run.sh") echo here ;;
         "CORVANE_CMAKE_ARGUMENTS="*" scripts/package.sh "* | "scripts/bench.sh --quick "*) echo here ;;
         # For the figures, on a quiet machine.
