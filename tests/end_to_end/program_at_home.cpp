@@ -28,7 +28,8 @@ ProgramAtHome::ProgramAtHome()
 Environment ProgramAtHome::throwAwayEnvironment() const {
     Environment environment;
     const Environment inherited = inheritedEnvironment();
-    for (const char* name : {"PATH", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"}) {
+    for (const char* name :
+         {"PATH", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
         if (const auto found = inherited.find(name); found != inherited.end())
             environment.insert(*found);
     }

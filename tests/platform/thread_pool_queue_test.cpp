@@ -134,6 +134,13 @@ TEST(ThreadPoolQueueTest, LetsIdleThreadsGoAndStartsNewOnes) {
     }
 }
 
+/// A queue that is stopped lets a task go at once. Only while its threads are busy.
+bool keepsTasks(ThreadPoolQueue& queue) {
+    const auto held = std::make_shared<int>(0);
+    queue.async([held] {});
+    return held.use_count() > 1;
+}
+
 TEST(ThreadPoolQueueTest, DropsWaitingTasksWhenStopped) {
     std::atomic<bool> secondRan = false;
     std::latch running(1);
@@ -146,7 +153,11 @@ TEST(ThreadPoolQueueTest, DropsWaitingTasksWhenStopped) {
     });
     queue.async([&secondRan, held] { secondRan = true; });
     running.wait();
-    std::thread releaser([&] { release.count_down(); });
+    std::thread releaser([&] {
+        while (keepsTasks(queue))
+            std::this_thread::sleep_for(1ms);
+        release.count_down();
+    });
     EXPECT_TRUE(queue.stop(generous));
     releaser.join();
     EXPECT_FALSE(secondRan);
