@@ -5,4 +5,4 @@ cd "$(dirname "$0")"
 scripts/install-dependencies.sh
 cmake --preset dev
 cmake --build --preset dev
-ctest --preset dev
+ctest --preset dev --parallel "$(nproc)"
