@@ -10,7 +10,8 @@ import settings
 from imports import BUS_NAME
 from surroundings import Home
 
-SETTLING_TIME = 8  # seconds; threads of the pool that have nothing to do end after five
+# Seconds. What a start leaves behind, such as threads of the toolkit with nothing to do, ends within thirty.
+SETTLING_TIME = 35
 
 
 def threads(pid):
