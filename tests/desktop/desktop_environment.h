@@ -19,8 +19,9 @@ namespace corvane::test {
 struct DesktopEnvironment : EngineEnvironment {
     /// The texts outlive the environment.
     explicit DesktopEnvironment(LocalizedStrings& localizedTexts,
-                                QString folder = QStringLiteral("/home/ada/reports"))
-        : texts(localizedTexts), reportsFolder(std::move(folder)) {
+                                QString folder = QStringLiteral("/home/ada/reports"),
+                                std::string programVersion = "1.2.3")
+        : texts(localizedTexts), reportsFolder(std::move(folder)), version(std::move(programVersion)) {
         windowAlerts.setParentWindow([this] { return interfaceFiles.settingsWindow(); });
     }
     ~DesktopEnvironment() { mainQueue.runDueTasks(); }
@@ -38,6 +39,7 @@ struct DesktopEnvironment : EngineEnvironment {
 
     LocalizedStrings& texts;
     const QString reportsFolder;
+    const std::string version;
     NotificationCenter notificationCenter;
     InMemoryDistributedNotificationCenter distributedCenter;
     RecordingApplication application;
@@ -46,7 +48,7 @@ struct DesktopEnvironment : EngineEnvironment {
     ReportUpdateManager windowManager{{settings, connection, files, clock, windowAlerts, texts}};
     QtInterfaceFiles interfaceFiles{
         texts,
-        {"Corvane", "1.2.3", reportsFolder},
+        {"Corvane", QString::fromStdString(version), reportsFolder},
         {.checkForUpdates = [this] { updateCheck.checkForUpdates(); },
          .openReportsFolder = [] {},
          .showAbout =
@@ -59,7 +61,7 @@ struct DesktopEnvironment : EngineEnvironment {
         windowManager, files, mainQueue, notificationCenter, distributedCenter, application, texts, log};
     ScriptedHttpClient updateClient{[](const HttpRequest&) { return answerWithTransportFailure(); }};
     InMemoryBundle bundle{
-        InMemoryBundle::Information{{bundleNameKey, "Corvane"}, {bundleVersionKey, "1.2.3"}}};
+        InMemoryBundle::Information{{bundleNameKey, "Corvane"}, {bundleVersionKey, version}}};
     QVApp metadata{bundle, texts};
     UpdateCheck updateCheck{{"updates.example", updateClient, backgroundQueue, mainQueue, metadata,
                              windowAlerts, texts, workspace}};

@@ -85,7 +85,8 @@ class Scenes {
 
   private:
     struct Desktop : test::DesktopEnvironment {
-        using DesktopEnvironment::DesktopEnvironment;
+        Desktop(LocalizedStrings& localizedTexts, QString folder)
+            : DesktopEnvironment(localizedTexts, std::move(folder), CORVANE_VERSION) {}
 
         void start() {
             launch();
