@@ -29,7 +29,7 @@ std::string storedName(std::string_view filename) {
     return std::string(lastPart.substr(0, lastPart.find('.'))) + ".txt";
 }
 
-/// Reports are plain ASCII but for a name here and there, and that part is told quickly.
+/// Reports are plain ASCII but for a name here and there, so the slow check begins at the first other byte.
 bool isUtf8(ByteView text) {
     const auto firstOther =
         std::find_if(text.begin(), text.end(), [](std::uint8_t byte) { return byte > 0x7F; });

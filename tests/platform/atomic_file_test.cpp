@@ -61,6 +61,16 @@ class AtomicFileTest : public ::testing::Test {
         return status.st_mode & 07777U;
     }
 
+    /// Somebody else takes the name while the file is still being written.
+    void expectToLeaveWhatCameInBetween(AtomicFile& late) const {
+        ASSERT_FALSE(late.open(path("b"), free));
+        writeFile(path("b"), "came in between");
+        EXPECT_EQ(late.commit(), std::errc::file_exists);
+        EXPECT_EQ(readFile(path("b")), "came in between");
+    }
+
+    static constexpr AtomicFileOptions free{.target = AtomicFileTarget::MustBeFree};
+
     const test::TemporaryFolder folder_;
 };
 
@@ -186,28 +196,20 @@ TEST_F(AtomicFileTest, RefusesTheFolderOfAnotherUser) {
 }
 
 TEST_F(AtomicFileTest, LeavesAnExistingFileWhereTheTargetMustBeFree) {
-    constexpr AtomicFileOptions free{.target = AtomicFileTarget::MustBeFree};
     EXPECT_FALSE(write("a", "first", free));
     EXPECT_EQ(write("a", "second", free), std::errc::file_exists);
 
     AtomicFile late;
-    ASSERT_FALSE(late.open(path("b"), free));
-    writeFile(path("b"), "came in between");
-    EXPECT_EQ(late.commit(), std::errc::file_exists);
+    expectToLeaveWhatCameInBetween(late);
     EXPECT_EQ(readFile(path("a")), "first");
-    EXPECT_EQ(readFile(path("b")), "came in between");
 }
 
 TEST_F(AtomicFileTest, LeavesAnExistingFileOnASimpleFileSystemToo) {
-    constexpr AtomicFileOptions free{.target = AtomicFileTarget::MustBeFree};
     const test::SimpleFileSystem simple;
     EXPECT_FALSE(write("a", "first", free));
     AtomicFile late;
-    ASSERT_FALSE(late.open(path("b"), free));
-    writeFile(path("b"), "came in between");
-    EXPECT_EQ(late.commit(), std::errc::file_exists);
+    expectToLeaveWhatCameInBetween(late);
     EXPECT_EQ(readFile(path("a")), "first");
-    EXPECT_EQ(readFile(path("b")), "came in between");
     EXPECT_EQ(names().size(), 3U) << "the late one's own file, until it goes";
 }
 

@@ -83,6 +83,13 @@ class FailingOperationTest : public testing::TestWithParam<FaultCase> {
         return GetParam().extent == SystemCallFaults::Extent::One && (call == "mkdir" || call == "chmod");
     }
 
+    std::filesystem::path sourceOfCopies() const { return home_.path() / "source.txt"; }
+
+    static void emptyFolder(const std::filesystem::path& folder) {
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directory(folder);
+    }
+
     TemporaryFolder home_;
     std::vector<std::string> keys_;
     std::string settings_;
@@ -246,18 +253,16 @@ TEST_P(FailingOperationTest, EachSystemCallOfTheFirstSettingsSave) {
 
 TEST_P(FailingOperationTest, EachSystemCallOfACopy) {
     PosixFileManager files(home_.path());
-    const auto source = home_.path() / "source.txt";
     const auto copy = home_.path() / "copies" / "copy.txt";
     const std::string content(100'000, 'x');
-    writeFile(source, content);
+    writeFile(sourceOfCopies(), content);
     for (int failing = 0;; ++failing) {
-        std::filesystem::remove_all(copy.parent_path());
-        std::filesystem::create_directory(copy.parent_path());
+        emptyFolder(copy.parent_path());
         std::error_code error;
         std::string call;
         {
             SystemCallFaults faults(failing, GetParam().error, GetParam().extent);
-            error = files.copyItem(source, copy);
+            error = files.copyItem(sourceOfCopies(), copy);
             if (!faults.hasFailed()) {
                 EXPECT_GT(failing, 8) << "the calls do not come through here";
                 break;
@@ -277,16 +282,14 @@ TEST_P(FailingOperationTest, EachSystemCallOfACopy) {
 
 TEST_F(FailingOperationTest, AnInterruptedCallIsMadeAgain) {
     PosixFileManager files(home_.path());
-    const auto source = home_.path() / "source.txt";
     const auto copy = home_.path() / "copies" / "copy.txt";
     const std::string content(100'000, 'x');
-    writeFile(source, content);
+    writeFile(sourceOfCopies(), content);
     std::set<std::string> madeAgain;
     for (int interrupted = 0;; ++interrupted) {
-        std::filesystem::remove_all(copy.parent_path());
-        std::filesystem::create_directory(copy.parent_path());
+        emptyFolder(copy.parent_path());
         SystemCallFaults faults(interrupted, EINTR, SystemCallFaults::Extent::One);
-        const std::error_code error = files.copyItem(source, copy);
+        const std::error_code error = files.copyItem(sourceOfCopies(), copy);
         if (!faults.hasFailed())
             break;
         if (!error) {
