@@ -139,7 +139,7 @@ TEST(HostilePropertyList, LongXmlContentsStayBounded) {
 
 TEST(HostilePropertyList, ManyXmlElementsAndALongOneCountTogether) {
     const std::size_t count = 20 * mebibyte / sizeof(PropertyListValue);
-    const auto many = [count](std::string_view begin, std::size_t size, std::string_view end) {
+    const auto many = [](std::string_view begin, std::size_t size, std::string_view end) {
         return joined({toBytes("<array>"), repeated("<true/>", count), toBytes(begin), Bytes(size, 'A'),
                        toBytes(end), toBytes("</array>")});
     };
