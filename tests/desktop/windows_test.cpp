@@ -332,7 +332,27 @@ TEST(ImportView, LetsABlockRunThroughTheBarUntilTheFirstValueComes) {
     EXPECT_NE(begin, empty);
     EXPECT_TRUE(waitUntil([&] { return picture() != begin; }));
     view.setProgressValue(0);
-    EXPECT_EQ(picture(), empty);
+    EXPECT_TRUE(waitUntil([&] { return picture() == empty; }));
+}
+
+TEST(ImportView, ShowsTheLatestOfManyChangesTogetherWhileItIsSeen) {
+    const SourceLanguageStrings strings;
+    ImportView view(strings);
+    const auto* description = view.widget()->findChild<QLabel*>("importDescription");
+    const auto* percentage = view.widget()->findChild<QLabel*>("importPercentage");
+    const auto* bar = view.widget()->findChild<QProgressBar*>("importProgress");
+    view.setDescription("Preparing");
+    EXPECT_EQ(description->text(), "Preparing") << "a window gets its size from it";
+    view.widget()->show();
+    for (int i = 1; i <= 3; ++i) {
+        view.setDescription(std::to_string(i) + " of 4");
+        view.setProgressText(std::to_string(25 * i) + "%");
+        view.setProgressValue(25 * i);
+    }
+    EXPECT_EQ(description->text(), "Preparing");
+    EXPECT_TRUE(waitUntil([&] { return description->text() == "3 of 4"; }));
+    EXPECT_EQ(percentage->text(), "75%");
+    EXPECT_EQ(bar->value(), 7500);
 }
 
 TEST(ImportView, DoesNothingOnceAWindowTookItAlong) {
