@@ -16,6 +16,7 @@
 #include "desktop/running_program.h"
 #include "desktop/session_bus.h"
 #include "desktop/unix_signals.h"
+#include "platform/system/broken_pipes.h"
 #include "platform/system/standard_error_log.h"
 
 namespace corvane {
@@ -53,6 +54,7 @@ ApplicationCommands busCommands(RunningProgram*& running) {
 }  // namespace
 
 int runProgram(int argc, char** argv, const BuildSettings& buildSettings) {
+    ignoreBrokenPipes();
     ProgramApplication toolkit(argc, argv);
     if (const QStringList unknown = ProgramApplication::arguments().mid(1); !unknown.isEmpty())
         return giveAnswer(refusalOf(toUtf8(unknown.first())));

@@ -11,7 +11,6 @@
 #include "platform/system/answer_body.h"
 #include "platform/system/curl_connection.h"
 #include "platform/system/curl_share.h"
-#include "platform/system/sigpipe_blocker.h"
 
 namespace corvane {
 
@@ -73,14 +72,12 @@ CurlHttpClient::CurlHttpClient(CurlHttpClientOptions options)
     : pool_(std::make_unique<Pool>(std::move(options))) {}
 
 CurlHttpClient::~CurlHttpClient() {
-    const SigpipeBlocker blocker;
     stop();
     pool_->waitUntilNoneRuns();
     pool_.reset();
 }
 
 HttpAnswer CurlHttpClient::sendSynchronousRequest(const HttpRequest& request) {
-    const SigpipeBlocker blocker;
     std::unique_ptr<CurlConnection> connection = pool_->take();
     if (!connection)
         return {.response = {}, .body = {}, .errorDescription = "cancelled", .isCancelled = true};

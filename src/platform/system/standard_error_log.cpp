@@ -12,8 +12,6 @@
 #include <iterator>
 #include <string>
 
-#include "platform/system/sigpipe_blocker.h"
-
 namespace corvane {
 namespace {
 
@@ -80,7 +78,6 @@ void StandardErrorLog::log(std::string_view text) {
     appendVisible(line, text);
     line += '\n';
 
-    const SigpipeBlocker blocker;
     std::string_view rest = line;
     while (!rest.empty()) {
         const ssize_t written = write(STDERR_FILENO, rest.data(), rest.size());
