@@ -3,6 +3,8 @@
 #include <utf8/checked.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include "core/gzip_codec.h"
@@ -29,11 +31,30 @@ std::string storedName(std::string_view filename) {
     return std::string(lastPart.substr(0, lastPart.find('.'))) + ".txt";
 }
 
-/// Reports are plain ASCII but for a name here and there, so the slow check begins at the first other byte.
+bool isAscii(std::uint8_t byte) {
+    return byte < 0x80;
+}
+
+ByteView withoutLeadingAscii(ByteView text) {
+    constexpr std::uint64_t highBits = 0x8080808080808080;
+    std::uint64_t word = 0;
+    for (; text.size() >= sizeof word; text = text.subspan(sizeof word)) {
+        std::memcpy(&word, text.data(), sizeof word);
+        if ((word & highBits) != 0)
+            break;
+    }
+    return {std::find_if_not(text.begin(), text.end(), isAscii), text.end()};
+}
+
+/// Reports are plain ASCII but for a name here and there, so only what stands between is looked at closely.
 bool isUtf8(ByteView text) {
-    const auto firstOther =
-        std::find_if(text.begin(), text.end(), [](std::uint8_t byte) { return byte > 0x7F; });
-    return utf8::is_valid(firstOther, text.end());
+    while (!(text = withoutLeadingAscii(text)).empty()) {
+        const auto nextAscii = std::find_if(text.begin(), text.end(), isAscii);
+        if (!utf8::is_valid(text.begin(), nextAscii))
+            return false;
+        text = {nextAscii, text.end()};
+    }
+    return true;
 }
 
 }  // namespace

@@ -93,6 +93,30 @@ TEST_F(ReportStorageTest, StoresNothingThatIsNotUtf8) {
     EXPECT_EQ(files.contentsAtPath(pathOf("report.txt")), std::nullopt);
 }
 
+TEST_F(ReportStorageTest, FindsTheOneByteThatIsNotUtf8WhereverItIs) {
+    constexpr std::size_t length = 40;
+    for (std::size_t position = 0; position < length; ++position) {
+        SCOPED_TRACE(position);
+        std::string text(length, 'a');
+        text[position] = '\xE4';
+        EXPECT_EQ(storage.createTempFile("report.txt", toBytes(text)), std::nullopt);
+        EXPECT_EQ(storage.createTempFile("report.txt", toBytes("\xC3\xA4 " + text)), std::nullopt);
+    }
+}
+
+TEST_F(ReportStorageTest, StoresNamesOfAnyScriptWhereverTheyStand) {
+    constexpr std::size_t length = 24;
+    for (const std::string name : {"\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x93\x88", "\xC3\xA4\xC3\xB6"}) {
+        for (std::size_t position = 0; position <= length; ++position) {
+            SCOPED_TRACE(testing::PrintToString(name) + " at " + std::to_string(position));
+            const std::string text = std::string(length, 'a').insert(position, name);
+            const auto path = storage.createTempFile("report.txt", toBytes(text));
+            ASSERT_TRUE(path);
+            EXPECT_EQ(files.contentsAtPath(*path), toBytes(text));
+        }
+    }
+}
+
 TEST_F(ReportStorageTest, StoresNulAndNonCharactersWhichAreValidText) {
     const std::string text("a\0b\xEF\xBF\xBF", 6);
     const auto path = storage.createTempFile("report.txt", toBytes(text));
