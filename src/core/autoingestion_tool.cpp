@@ -50,11 +50,8 @@ struct Delivery {
 // of a job's results, whatever the main queue is busy with.
 void deliver(const SharedJob& job, ReportResult result) {
     auto delivery = std::make_shared<Delivery>(Delivery{job, std::move(result)});
-    job->connection.mainQueue.async([delivery = std::move(delivery)]() mutable {
-        MainQueue& mainQueue = delivery->job->connection.mainQueue;
-        mainQueue.asyncAfter(deliveryDelay, [delivery = std::move(delivery)] {
-            delivery->job->reportHandler(std::move(delivery->result));
-        });
+    job->connection.mainQueue.asyncAfterTurn(deliveryDelay, [delivery = std::move(delivery)] {
+        delivery->job->reportHandler(std::move(delivery->result));
     });
 }
 

@@ -41,8 +41,29 @@ void QtMainQueue::async(Task task) {
 }
 
 void QtMainQueue::asyncAfter(nanoseconds delay, Task task) {
-    const nanoseconds boundedDelay = std::clamp<nanoseconds>(delay, nanoseconds{0}, longestDelay);
     const std::lock_guard lock(mutex_);
+    add(delay, std::move(task));
+}
+
+void QtMainQueue::asyncAfterTurn(nanoseconds delay, Task task) {
+    {
+        const std::lock_guard lock(mutex_);
+        if (!isBusy()) {
+            add(delay, std::move(task));
+            return;
+        }
+    }
+    MainQueue::asyncAfterTurn(delay, std::move(task));
+}
+
+// With the lock held.
+bool QtMainQueue::isBusy() const {
+    return isRunningTask_ || (!heap_.empty() && heap_.front().dueTime <= steady_clock::now());
+}
+
+// With the lock held.
+void QtMainQueue::add(nanoseconds delay, Task task) {
+    const nanoseconds boundedDelay = std::clamp<nanoseconds>(delay, nanoseconds{0}, longestDelay);
     const std::uint64_t number = nextNumber_++;
     heap_.push_back({steady_clock::now() + boundedDelay, number, std::move(task)});
     std::push_heap(heap_.begin(), heap_.end(), isLater);
@@ -82,7 +103,6 @@ void QtMainQueue::runDueTasks() {
         timer_.stop();  // armed again when the running task has ended
         return;
     }
-    isRunningTask_ = true;
     const TimePoint endOfTurn = steady_clock::now() + timeBudget;
     Task task;
     while (!isStopped_ && takeNextDue(task)) {
@@ -91,13 +111,13 @@ void QtMainQueue::runDueTasks() {
         if (steady_clock::now() >= endOfTurn)
             break;
     }
-    isRunningTask_ = false;
     arm();
 }
 
 bool QtMainQueue::takeNextDue(Task& task) {
     const std::lock_guard lock(mutex_);
-    if (heap_.empty() || heap_.front().dueTime > steady_clock::now())
+    isRunningTask_ = !heap_.empty() && heap_.front().dueTime <= steady_clock::now();
+    if (!isRunningTask_)
         return false;
     std::pop_heap(heap_.begin(), heap_.end(), isLater);
     task = std::move(heap_.back().task);
@@ -108,7 +128,8 @@ bool QtMainQueue::takeNextDue(Task& task) {
 void QtMainQueue::arm() {
     const std::lock_guard lock(mutex_);
     isWakeUpPosted_ = false;
-    if (isStopped_ || isRunningTask_ || heap_.empty()) {
+    isRunningTask_ = false;
+    if (isStopped_ || heap_.empty()) {
         timer_.stop();
         return;
     }

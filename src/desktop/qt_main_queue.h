@@ -21,6 +21,7 @@ class QtMainQueue final : public QObject, public MainQueue {
 
     void async(Task task) override;
     void asyncAfter(std::chrono::nanoseconds delay, Task task) override;
+    void asyncAfterTurn(std::chrono::nanoseconds delay, Task task) override;
 
     /// No task is begun any more; one that runs goes on to its end. Main thread only.
     void stop();
@@ -42,6 +43,8 @@ class QtMainQueue final : public QObject, public MainQueue {
     };
     static bool isLater(const Entry& left, const Entry& right);
 
+    void add(std::chrono::nanoseconds delay, Task task);
+    bool isBusy() const;
     bool takeNextDue(Task& task);
     void runDueTasks();
     void arm();
@@ -50,10 +53,10 @@ class QtMainQueue final : public QObject, public MainQueue {
     std::vector<Entry> heap_;  ///< the next task on top
     std::uint64_t nextNumber_ = 0;
     bool isWakeUpPosted_ = false;
+    bool isRunningTask_ = false;  ///< changes on the main thread only
 
     // Main thread only.
     QBasicTimer timer_;
-    bool isRunningTask_ = false;
     bool isStopped_ = false;
 };
 

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <memory>
@@ -163,6 +164,66 @@ TEST(QtMainQueue, WakesNobodyUpWhileItOnlyWaits) {
         ++wakeUps;
     }
     EXPECT_LE(wakeUps, 4);
+}
+
+TEST(QtMainQueue, CountsADelayAfterItsTurnFromTheEndOfTheRunningTask) {
+    QtMainQueue queue;
+    steady_clock::time_point ended{};
+    steady_clock::time_point ran{};
+    queue.async([&] {
+        const auto posted = steady_clock::now();
+        std::jthread([&] { queue.asyncAfterTurn(20ms, [&] { ran = steady_clock::now(); }); }).join();
+        while (steady_clock::now() < posted + 30ms) {
+        }
+        ended = steady_clock::now();
+    });
+    EXPECT_TRUE(waitUntil([&] { return ran != steady_clock::time_point{}; }));
+    EXPECT_GE(ran - ended, 20ms);
+}
+
+TEST(QtMainQueue, CountsADelayAfterItsTurnFromTheEndOfTheTasksThatAreDue) {
+    QtMainQueue queue;
+    std::vector<std::string> events;
+    queue.async([&] { events.push_back("due before"); });
+    queue.asyncAfterTurn(0ms, [&] { events.push_back("after the turn"); });
+    queue.async([&] { events.push_back("due behind"); });
+    EXPECT_TRUE(waitUntil([&] { return events.size() == 3; }));
+    EXPECT_THAT(events, ElementsAre("due before", "due behind", "after the turn"));
+}
+
+TEST(QtMainQueue, KeepsTheOrderOfDelaysAfterTheirTurnsWhetherItIsBusyOrNot) {
+    QtMainQueue queue;
+    std::vector<int> order;
+    std::jthread worker([&] {
+        for (int i = 0; i < 200; ++i) {
+            if (i % 10 == 0)
+                queue.async([] { std::this_thread::sleep_for(2ms); });
+            queue.asyncAfterTurn(5ms, [&order, i] { order.push_back(i); });
+            std::this_thread::sleep_for(100us);
+        }
+    });
+    EXPECT_TRUE(waitUntil([&] { return order.size() == 200; }));
+    EXPECT_TRUE(std::is_sorted(order.begin(), order.end())) << testing::PrintToString(order);
+}
+
+TEST(QtMainQueue, TakesDelaysAfterItsTurnFromAThreadWithoutWakingUp) {
+    QtMainQueue queue;
+    queue.asyncAfter(1h, [] {});
+    QCoreApplication::processEvents();
+    bool isDone = false;
+    int wakeUps = 0;
+    {
+        const std::jthread worker([&] {
+            for (int i = 0; i < 100; ++i) {
+                queue.asyncAfterTurn(2h, [] {});
+                std::this_thread::sleep_for(100us);
+            }
+            queue.async([&] { isDone = true; });
+        });
+        for (; !isDone; ++wakeUps)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    EXPECT_LE(wakeUps, 5);
 }
 
 TEST(QtMainQueue, BeginsNoTaskAfterItWasStopped) {
