@@ -1,8 +1,10 @@
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -100,6 +102,9 @@ class ProgramTest : public testing::Test {
         settings.setITunesAccounts(ITunesAccountList{account});
     }
     std::filesystem::path settingsFile() const { return home.path() / "config/corvane/settings.plist"; }
+    std::filesystem::path container() const {
+        return home.path() / "data/QX4ZT7M2P9.group.quessartolvinger.brindlecount";
+    }
     std::string log(const std::string& logName = "log") const {
         return test::readFile(home.path() / logName);
     }
@@ -150,26 +155,34 @@ TEST_F(ProgramTest, RunsAlsoWithoutABus) {
     const auto program = start();
     EXPECT_TRUE(waitUntil([&] { return log().find("no session bus") != std::string::npos; }, 30s));
     EXPECT_TRUE(program->isRunning());
-    EXPECT_TRUE(waitUntil([&] {
-        return std::filesystem::exists(home.path() / "data/QX4ZT7M2P9.group.quessartolvinger.brindlecount");
-    }));
+    EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(container()); }));
     program->sendSignal(SIGTERM);
     EXPECT_TRUE(program->waitForExit(10s).has_value());
 }
 
+TEST_F(ProgramTest, OutlivesTheReaderOfItsLog) {
+    environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + (home.path() / "no bus").native();
+    ASSERT_EQ(mkfifo((home.path() / "log").c_str(), 0600), 0);
+    FileDescriptor reader(open((home.path() / "log").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const auto program = start();
+    reader = {};
+    EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(container()); }));
+    program->sendSignal(SIGTERM);
+    EXPECT_EQ(program->waitForExit(10s), 0);
+}
+
 TEST_F(ProgramTest, RemovesWhatAKilledProcessHasLeft) {
-    const std::filesystem::path container =
-        home.path() / "data/QX4ZT7M2P9.group.quessartolvinger.brindlecount/ToImport";
+    const std::filesystem::path toImport = container() / "ToImport";
     const std::vector<std::filesystem::path> leftOvers{
         home.path() / "config/corvane/.corvane-0123456789abcdef.partial",
-        container / ".corvane-fedcba9876543210.partial"};
+        toImport / ".corvane-fedcba9876543210.partial"};
     for (const auto& leftOver : leftOvers)
         test::writeFile(leftOver, "half a");
-    test::writeFile(container / "report.txt", "whole");
+    test::writeFile(toImport / "report.txt", "whole");
     const auto program = startOnBus();
     const auto areGone = [&] { return !exists(leftOvers[0]) && !exists(leftOvers[1]); };
     EXPECT_TRUE(waitUntil(areGone));
-    EXPECT_EQ(test::readFile(container / "report.txt"), "whole");
+    EXPECT_EQ(test::readFile(toImport / "report.txt"), "whole");
 }
 
 TEST_F(ProgramTest, IsStartedByTheBusForWhoeverActivatesIt) {
