@@ -223,6 +223,7 @@ class Scenes {
         bool isTaken = false;
         desktop->service = [&](const HttpRequest& request) {
             desktop->mainQueue.advance(std::chrono::seconds{10});
+            QTest::qWait(50);  // longer than the window takes to show new values
             if (!isTaken && shownProgress() >= 3750) {
                 isTaken = true;
                 photographer_.take("import-37.5-percent");
