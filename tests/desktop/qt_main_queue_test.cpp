@@ -220,8 +220,10 @@ TEST(QtMainQueue, TakesDelaysAfterItsTurnFromAThreadWithoutWakingUp) {
             }
             queue.async([&] { isDone = true; });
         });
-        for (; !isDone; ++wakeUps)
+        while (!isDone) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            ++wakeUps;
+        }
     }
     EXPECT_LE(wakeUps, 5);
 }
