@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -220,6 +222,20 @@ TEST(ThreadPoolQueueTest, ReleasesWhatATaskHoldsOnceItHasRun) {
     queue.async([&] { next.count_down(); });
     next.wait();
     EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST(ThreadPoolQueueTest, RunsTasksAtTheLowestPriorityAndLeavesTheOthersTheirs) {
+    const int previous = getpriority(PRIO_PROCESS, 0);
+    std::latch done(1);
+    int priority = 0;
+    ThreadPoolQueue queue;
+    queue.async([&] {
+        priority = getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
+        done.count_down();
+    });
+    done.wait();
+    EXPECT_EQ(priority, 19);
+    EXPECT_EQ(getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())), previous);
 }
 
 TEST(ThreadPoolQueueTest, LeavesTheProcessSignalsToOtherThreads) {

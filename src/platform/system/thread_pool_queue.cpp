@@ -1,5 +1,8 @@
 #include "platform/system/thread_pool_queue.h"
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <condition_variable>
 #include <csignal>
 #include <deque>
@@ -33,6 +36,18 @@ struct ThreadPoolQueue::State {
     void run();
 };
 
+namespace {
+
+// Where the service answers as fast as it is asked, all threads have work all the time. The main thread would
+// get its share as one of many: windows would freeze, and answers pile up faster than they are stored.
+void letMainThreadPassBy() {
+    constexpr int lowestPriority = 19;
+    // On Linux a priority belongs to a thread.
+    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), lowestPriority);
+}
+
+}  // namespace
+
 /// Empty when the thread is to end. Called and left with the lock held.
 Task ThreadPoolQueue::State::waitForTask(std::unique_lock<std::mutex>& lock) {
     ++idleThreads;
@@ -46,6 +61,7 @@ Task ThreadPoolQueue::State::waitForTask(std::unique_lock<std::mutex>& lock) {
 }
 
 void ThreadPoolQueue::State::run() {
+    letMainThreadPassBy();
     std::unique_lock lock(mutex);
     while (Task task = waitForTask(lock)) {
         lock.unlock();

@@ -15,7 +15,7 @@ struct ThreadPoolLimits {
 
 /// A background queue on threads of its own: one for each task that would otherwise wait, up to the limit.
 /// Idle threads sleep until there is work or their time is over; an idle queue has none and costs nothing.
-/// The threads take no signals of the process.
+/// The threads take no signals of the process, and have the lowest priority.
 class ThreadPoolQueue final : public BackgroundQueue {
   public:
     explicit ThreadPoolQueue(ThreadPoolLimits limits = {});
