@@ -1,7 +1,8 @@
 #!/bin/sh
 # Builds the benchmarks, runs them all and prints a table of what was reached: docs/performance.md says how it is
 # measured. Takes about eight minutes on a machine that has nothing else to do, which is how the figures count.
-#   bench.sh [--quick]   fewer repetitions; ends with 1 when a goal is missed
+#   bench.sh [--quick] [--accounts COUNT]   fewer repetitions; accounts for the peak of memory; ends with 1 when a goal
+#                                           is missed
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install-dependencies.sh libbenchmark-dev curl

@@ -1,8 +1,9 @@
 """Compares Corvane with what a user would do instead, and with its limits.
 
-    python3 bench/compare BUILD [--quick]    BUILD: a build folder with CORVANE_BUILD_BENCHMARKS
+    python3 bench/compare BUILD [--quick] [--accounts COUNT]    BUILD: a build folder with CORVANE_BUILD_BENCHMARKS
 """
 
+import argparse
 import sys
 
 import downloads
@@ -17,7 +18,6 @@ from table import HEAD, Row, median, megabytes, milliseconds, ratio
 ANSWER = 0.050  # seconds that the service takes for an answer
 LONGEST_JOB = 366  # reports
 DELAYS = 1 + 2  # seconds: before the run, and of each delivery
-MANY_ACCOUNTS = 100
 BODY_SIZE = 5000  # bytes of a packed report, nearly
 PACKING = 3.4  # how much smaller a made-up report gets
 
@@ -78,11 +78,11 @@ def start_rows(build, scratch, repetitions):
     yield ratio(what + "memory", [c.memory for c in ours], [c.memory for c in theirs], 1.5, megabytes)
 
 
-def memory_row(build, scratch):
-    progress(f"an import of {MANY_ACCOUNTS} accounts")
+def memory_row(build, scratch, accounts):
+    progress(f"an import of {accounts} accounts")
     with Service(build, report_size=int(BODY_SIZE * PACKING)):
-        memory = imports.run_import(build.program, scratch, MANY_ACCOUNTS).cost.memory
-    return Row(f"peak memory at {MANY_ACCOUNTS} accounts, 5 KB a body", megabytes(memory), "", memory, 300, " MB")
+        memory = imports.run_import(build.program, scratch, accounts).cost.memory
+    return Row(f"peak memory at {accounts} accounts, 5 KB a body", megabytes(memory), "", memory, 300, " MB")
 
 
 def idle_rows(build, scratch, seconds):
@@ -93,27 +93,30 @@ def idle_rows(build, scratch, seconds):
     yield Row(f"CPU while idle, {seconds} s", milliseconds(cpu), "", cpu, 0, " s")
 
 
-def all_rows(build, is_quick):
+def all_rows(build, is_quick, accounts):
     repetitions = 2 if is_quick else 5
     with Scratch(build.folder / "bench/scratch") as scratch:
         yield from start_rows(build, scratch, repetitions)
         yield from import_rows(build, scratch, repetitions)
         yield wall_row(build, scratch, 1 if is_quick else repetitions)
-        yield memory_row(build, scratch)
+        yield memory_row(build, scratch, accounts)
         yield from idle_rows(build, scratch, 10 if is_quick else 60)
     progress("functions")
     yield from functions.rows(build, repetitions)
 
 
-def main(arguments):
-    if len(arguments) not in (1, 2) or arguments[1:] not in ([], ["--quick"]):
-        sys.exit(__doc__)
+def main():
+    parser = argparse.ArgumentParser(prog="bench.sh")
+    parser.add_argument("build", help=argparse.SUPPRESS)
+    parser.add_argument("--quick", action="store_true", help="fewer repetitions")
+    parser.add_argument("--accounts", type=int, default=100, help="for the peak of memory; 100 by default")
+    arguments = parser.parse_args()
     print(HEAD)
     misses = 0
-    for row in all_rows(Build(arguments[0]), len(arguments) == 2):
+    for row in all_rows(Build(arguments.build), arguments.quick, arguments.accounts):
         print(row.line(), flush=True)
         misses += not row.passes()
     sys.exit(1 if misses else 0)
 
 
-main(sys.argv[1:])
+main()
