@@ -14,7 +14,7 @@ constexpr milliseconds longestRetryDelay{30'000};
 
 /// Where the session's bus is; empty when nothing says so. A bus of one's own is never started.
 QString busAddress() {
-    const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
     if (!address.isEmpty())
         return address;
     const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
