@@ -19,7 +19,7 @@ who_runs() {
         ./run.sh | ./test.sh | scripts/install-dependencies.sh | scripts/update-translations.sh | scripts/package.sh) echo here ;;
         "cmake "* | "ctest "* | "CORVANE_TEST_ALL_ROUNDS=1 ctest "* | "DESTDIR="*" cmake "* | "sudo cmake --install "*) echo here ;;
         "git archive "* | "msginit "* | "echo fr >>po/LINGUAS" | "LANG="*" ./run.sh") echo here ;;
-        "CORVANE_CMAKE_ARGUMENTS="*" scripts/package.sh "* | "scripts/bench.sh --quick "*) echo here ;;
+        "CORVANE_CMAKE_ARGUMENTS="*" scripts/package.sh "*) echo here ;;
         # For the figures, on a quiet machine.
         "scripts/bench.sh "*) echo bench.sh ;;
         "GTEST_FILTER="*" scripts/reliability.sh "*) echo reliability.sh ;;
