@@ -320,6 +320,21 @@ TEST(ImportView, ShowsHalfPercentsAndSurvivesValuesThatAreNone) {
     }
 }
 
+TEST(ImportView, LetsABlockRunThroughTheBarUntilTheFirstValueComes) {
+    const SourceLanguageStrings strings;
+    ImportView view(strings);
+    auto* bar = view.widget()->findChild<QProgressBar*>("importProgress");
+    view.widget()->show();
+    const auto picture = [bar] { return bar->grab().toImage(); };
+    const QImage empty = picture();
+    view.startProgressAnimation();
+    const QImage begin = picture();
+    EXPECT_NE(begin, empty);
+    EXPECT_TRUE(waitUntil([&] { return picture() != begin; }));
+    view.setProgressValue(0);
+    EXPECT_TRUE(waitUntil([&] { return picture() == empty; }));
+}
+
 TEST(ImportView, ShowsTheLatestOfManyChangesTogetherWhileItIsSeen) {
     const SourceLanguageStrings strings;
     ImportView view(strings);

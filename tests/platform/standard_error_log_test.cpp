@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <string>
@@ -112,6 +113,23 @@ TEST(StandardErrorLogTest, GivesUpALineThatCannotBeWritten) {
     ::testing::internal::CaptureStderr();
     log.log("there is room again");
     EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::EndsWith("] there is room again\n"));
+}
+
+// Signals are the process's business, not the log's.
+TEST(StandardErrorLogTest, LeavesASignalOfABrokenPipeThatWasPendingBefore) {
+    EXPECT_EXIT(
+        {
+            sigset_t brokenPipe;
+            sigemptyset(&brokenPipe);
+            sigaddset(&brokenPipe, SIGPIPE);
+            sigprocmask(SIG_BLOCK, &brokenPipe, nullptr);
+            raise(SIGPIPE);
+            StandardErrorLog().log("written");
+            sigset_t pending;
+            sigpending(&pending);
+            _exit(sigismember(&pending, SIGPIPE) == 1 ? 7 : 1);
+        },
+        ::testing::ExitedWithCode(7), "written");
 }
 
 TEST(FatalErrorTest, LogsTheMessageAndAborts) {
